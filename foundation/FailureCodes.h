@@ -1,0 +1,15 @@
+#ifndef FOUNDATION_FAILURECODES_H
+#define FOUNDATION_FAILURECODES_H
+
+#include <cstdint>
+
+namespace vrUtils {
+
+// Failure codes of the exceptions, in the form of Windows result codes.
+inline constexpr std::uint32_t GeneralFailure = 0x80004005;
+inline constexpr std::uint32_t AudioTagParsingFailed = 0x80E06025;
+inline constexpr std::uint32_t MalformedUrlEscape = 0x80E0609D;
+
+} // namespace vrUtils
+
+#endif

@@ -1,0 +1,24 @@
+#ifndef FOUNDATION_MESSAGE_H
+#define FOUNDATION_MESSAGE_H
+
+#include "vrUtils/Path.h"
+
+#include <locale>
+#include <sstream>
+#include <string>
+
+namespace vrUtils {
+
+// Puts a message together from literals, wide strings, numbers and paths, in reading order. The
+// classic locale keeps a host's own from grouping the digits.
+template <typename... Pieces>
+std::wstring composeMessage(Pieces const&... pieces) {
+    std::wostringstream text;
+    text.imbue(std::locale::classic());
+    (text << ... << pieces);
+    return text.str();
+}
+
+} // namespace vrUtils
+
+#endif

@@ -1,0 +1,44 @@
+// The main function of every test program.
+
+#include "foundation/Platform.h"
+
+#include <winsock2.h>
+
+#include <gmock/gmock.h>
+
+#include <cstdio>
+
+namespace {
+
+// A crash ends the process at once with a code of its own, and says so: without this the exit
+// status of a crashed test can be that of a success.
+LONG WINAPI endAtFatalException(EXCEPTION_POINTERS* exception) {
+    std::fprintf(stderr, "fatal exception %lx\n", exception->ExceptionRecord->ExceptionCode);
+    std::fflush(stderr);
+    TerminateProcess(GetCurrentProcess(), 97);
+    return EXCEPTION_EXECUTE_HANDLER;
+}
+
+// The first throw of a process opens handles that stay; tests that count handles start after it.
+void throwOnce() {
+    try {
+        throw 0;
+    } catch (int) {
+    }
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    SetUnhandledExceptionFilter(endAtFatalException);
+    throwOnce();
+    WSADATA sockets;
+    WSAStartup(MAKEWORD(2, 2), &sockets);
+
+    testing::InitGoogleMock(&count, arguments);
+    int const result = RUN_ALL_TESTS();
+    WSACleanup();
+    if (result == 0 && !GTEST_FLAG_GET(list_tests))
+        std::puts("all tests of this program passed");
+    return result;
+}
