@@ -7,7 +7,9 @@ vrException::vrException() = default;
 
 vrException::vrException(
     std::string const& file, std::uint32_t line, std::wstring const& message, std::uint32_t code)
-    : m_code(code), m_file(vrUtils::Strings::narrowToWide(file)), m_line(line),
+    : m_code(code),
+      m_file(vrUtils::Strings::narrowToWide(file)),
+      m_line(line),
       m_message(message) {}
 
 vrException::vrException(std::uint32_t line, std::wstring const& message)
@@ -19,10 +21,3 @@ vrException::vrException(std::wstring const& message, std::uint32_t code)
 vrException::vrException(vrException const&) = default;
 vrException& vrException::operator=(vrException const&) = default;
 vrException::~vrException() = default;
-
-vrUnsetValueException::vrUnsetValueException(vrException const& failure) : vrException(failure) {}
-
-vrUnsetValueException::vrUnsetValueException(vrUnsetValueException const&) = default;
-vrUnsetValueException&
-vrUnsetValueException::operator=(vrUnsetValueException const&) = default;
-vrUnsetValueException::~vrUnsetValueException() = default;

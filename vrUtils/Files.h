@@ -11,8 +11,8 @@
 /// is said otherwise; numbers in their messages are Windows errors in decimal. The free functions
 /// keep no state and may be called from any thread.
 
+#include "vrUtils/Files/Exceptions.h"
 #include "vrUtils/Files/FileHandle.h"
 #include "vrUtils/Files/FileQueries.h"
-#include "vrUtils/Files/Exceptions.h"
 
 #endif

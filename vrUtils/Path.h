@@ -151,7 +151,8 @@ class VRUTILS_API PathSplitter {
     /// All parts: the normal form of the text.
     std::wstring wholePath() const;
 
-    /// The name without its extension, or the last part of a folder's text that no backslash closes.
+    /// The name without its extension, or the last part of a folder's text that no backslash
+    /// closes.
     std::wstring fileName() const;
 
     /// The extension with its leading dot; or empty.
@@ -280,7 +281,8 @@ class VRUTILS_API Path : private PathCreator {
     bool isAbsolute() const;
 
     /// Whether the normal form begins with that of the other path, without regard to case. Text is
-    /// compared, not folders: `C:\Media` has a common root with `C:\Med`. An empty other gives true.
+    /// compared, not folders: `C:\Media` has a common root with `C:\Med`. An empty other gives
+    /// true.
     bool hasCommonRoot(Path const& other) const;
 
     /// What is left of the normal form behind that of the other path, with the type of this path;
@@ -291,14 +293,15 @@ class VRUTILS_API Path : private PathCreator {
     PathSplitter const& components() const;
 
     /// Gives access to the text for a change in place: drops the parse and sets the type. `eDetect`
-    /// stays as it is here, and the text then parses as a file's. The reference is to be used before
-    /// the path is read again: later changes through it would not reach the parse.
+    /// stays as it is here, and the text then parses as a file's. The reference is to be used
+    /// before the path is read again: later changes through it would not reach the parse.
     PathCreator& modify(eType type);
 
     /// Appends a folder unless the last folder has that name already, upper and lower case being
-    /// different. Slashes around the name do not count in the comparison, and are appended. The path
-    /// then parses as a file's, so that the folder is its name unless it ended in a separator.
-    /// @return whether it was appended; false too if the path has a name, as a folder's text that no
+    /// different. Slashes around the name do not count in the comparison, and are appended. The
+    /// path then parses as a file's, so that the folder is its name unless it ended in a separator.
+    /// @return whether it was appended; false too if the path has a name, as a folder's text that
+    /// no
     ///         backslash closes does
     bool AppendFolderIfNotPresent(std::wstring const& folder);
 

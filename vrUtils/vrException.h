@@ -75,10 +75,7 @@ class VRUTILS_API vrException {
 class VRUTILS_API vrUnsetValueException : public vrException {
   public:
     using vrException::vrException;
-    explicit vrUnsetValueException(vrException const& failure);
-    vrUnsetValueException(vrUnsetValueException const&);
-    vrUnsetValueException& operator=(vrUnsetValueException const&);
-    ~vrUnsetValueException() override;
+    explicit vrUnsetValueException(vrException const& failure) : vrException(failure) {}
 };
 
 #endif

@@ -14,9 +14,6 @@ namespace vrUtils::Files {
 class VRUTILS_API LockFileException : public vrException {
   public:
     explicit LockFileException(vr::Path const& path);
-    LockFileException(LockFileException const&);
-    LockFileException& operator=(LockFileException const&);
-    ~LockFileException() override;
 };
 
 /// An index path that no archive path can be made of. It is the path and nothing else: no code, no

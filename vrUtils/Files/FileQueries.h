@@ -69,8 +69,8 @@ GenerateLegalFilename(std::wstring const& source, std::wstring& result, bool asc
 /// Makes a bare file name that no call has given before: a new identifier and ".tmp".
 VRUTILS_API void GenerateTempFilename(std::wstring& result);
 
-/// Makes the folder with all missing levels above it. Does nothing if the path exists, even if it is
-/// a file.
+/// Makes the folder with all missing levels above it. Does nothing if the path exists, even if it
+/// is a file.
 /// @throws vrException `SHCreateDirectoryEx failed on "PATH" - error NUMBER`, also if another
 ///         process makes the folder at the same moment (183); 161 for a relative path
 VRUTILS_API void ensureFolderExists(vr::Path const& path);

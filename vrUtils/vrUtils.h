@@ -1,0 +1,21 @@
+#ifndef VRUTILS_VRUTILS_H
+#define VRUTILS_VRUTILS_H
+
+/// @file
+/// All of the library.
+
+#include "vrUtils/CmdLineProcessor.h"
+#include "vrUtils/Files.h"
+#include "vrUtils/Host.h"
+#include "vrUtils/KeyValue.h"
+#include "vrUtils/Parsing.h"
+#include "vrUtils/Path.h"
+#include "vrUtils/Registry.h"
+#include "vrUtils/Storage.h"
+#include "vrUtils/Strings.h"
+#include "vrUtils/TcpComms.h"
+#include "vrUtils/UtilValue.h"
+#include "vrUtils/version.h"
+#include "vrUtils/vrException.h"
+
+#endif
