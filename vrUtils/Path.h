@@ -301,8 +301,7 @@ class VRUTILS_API Path : private PathCreator {
     /// different. Slashes around the name do not count in the comparison, and are appended. The
     /// path then parses as a file's, so that the folder is its name unless it ended in a separator.
     /// @return whether it was appended; false too if the path has a name, as a folder's text that
-    /// no
-    ///         backslash closes does
+    ///         no backslash closes does
     bool AppendFolderIfNotPresent(std::wstring const& folder);
 
   private:

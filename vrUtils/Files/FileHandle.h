@@ -13,14 +13,13 @@ namespace vrUtils::Files {
 /// An open file that closes when its scope ends. Reading and writing are done by the caller, on
 /// the value that `Handle` returns.
 ///
-/// | class                          | opens                | others may | existing file | missing
-/// file |
-/// |--------------------------------|----------------------|------------|---------------|--------------|
-/// | `FileHandleRead`               | to read              | read       | kept          | failure |
-/// | `FileHandleWriteNew`           | to write             | read       | **emptied**   | made | |
-/// `FileHandleWriteExisting`      | to write             | read       | kept          | failure |
-/// | `FileHandleWriteNewOrExisting` | to write             | read       | kept          | made | |
-/// `FileHandleWriteExclusive`     | to read and to write | do nothing | **emptied**   | made |
+/// | class                          | to             | sharing | existing file | missing file |
+/// |--------------------------------|----------------|---------|---------------|--------------|
+/// | `FileHandleRead`               | read           | read    | kept          | failure      |
+/// | `FileHandleWriteNew`           | write          | read    | **emptied**   | made         |
+/// | `FileHandleWriteExisting`      | write          | read    | kept          | failure      |
+/// | `FileHandleWriteNewOrExisting` | write          | read    | kept          | made         |
+/// | `FileHandleWriteExclusive`     | read and write | none    | **emptied**   | made         |
 ///
 /// Readers let others read and nothing else, so a file that is open for writing cannot be opened by
 /// `FileHandleRead`.
