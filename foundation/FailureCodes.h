@@ -9,6 +9,7 @@ namespace vrUtils {
 inline constexpr std::uint32_t GeneralFailure = 0x80004005;
 inline constexpr std::uint32_t AudioTagParsingFailed = 0x80E06025;
 inline constexpr std::uint32_t MalformedUrlEscape = 0x80E0609D;
+inline constexpr std::uint32_t FileNotLocked = 0x80E0609E;
 
 } // namespace vrUtils
 

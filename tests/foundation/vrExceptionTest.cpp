@@ -73,6 +73,6 @@ TEST(vrException, AccessorsGiveReferencesAndThrowNothing) {
 
     EXPECT_TRUE((std::is_same_v<std::wstring const&, decltype(failure.file())>));
     EXPECT_TRUE((std::is_same_v<std::wstring const&, decltype(failure.message())>));
-    EXPECT_TRUE(noexcept(failure.code()) && noexcept(failure.file()));
-    EXPECT_TRUE(noexcept(failure.line()) && noexcept(failure.message()));
+    EXPECT_TRUE(noexcept(failure.code())&& noexcept(failure.file()));
+    EXPECT_TRUE(noexcept(failure.line())&& noexcept(failure.message()));
 }
