@@ -14,9 +14,9 @@ Path::Path() = default;
 Path::Path(Path const& other) : PathCreator(other), m_type(other.m_type) {}
 
 Path::Path(Path&& other) noexcept
-    : PathCreator(std::move(other)), m_splitter(std::move(other.m_splitter)), m_type(other.m_type) {
-    other.clear();
-}
+    : PathCreator(std::move(other)),
+      m_splitter(std::move(other.m_splitter)),
+      m_type(other.m_type) {}
 
 Path::Path(std::wstring const& text, eType type) : PathCreator(text) { settleType(type); }
 

@@ -2,6 +2,7 @@
 #include "vrUtils/Path.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace vr {
 
@@ -28,9 +29,12 @@ PathCreator::PathCreator(
 }
 
 PathCreator::PathCreator(PathCreator const&) = default;
-PathCreator::PathCreator(PathCreator&&) noexcept = default;
+PathCreator::PathCreator(PathCreator&& other) noexcept : m_path(std::exchange(other.m_path, {})) {}
 PathCreator& PathCreator::operator=(PathCreator const&) = default;
-PathCreator& PathCreator::operator=(PathCreator&&) noexcept = default;
+PathCreator& PathCreator::operator=(PathCreator&& other) noexcept {
+    m_path = std::exchange(other.m_path, {});
+    return *this;
+}
 PathCreator::~PathCreator() = default;
 
 PathCreator& PathCreator::operator=(std::wstring const& text) { return *this = text.c_str(); }
