@@ -4,6 +4,8 @@
 
 #include <winsock2.h>
 
+#include "tests/support/ChildAction.h"
+
 #include <gmock/gmock.h>
 
 #include <cstdio>
@@ -34,6 +36,8 @@ int main(int count, char** arguments) {
     throwOnce();
     WSADATA sockets;
     WSAStartup(MAKEWORD(2, 2), &sockets);
+    if (auto const result = test::ChildAction::runRequested())
+        return *result;
 
     testing::InitGoogleMock(&count, arguments);
     int const result = RUN_ALL_TESTS();
