@@ -1,0 +1,73 @@
+#include "VorraneLog/ProcessLog.h"
+
+#include "VorraneLog/LogLine.h"
+#include "foundation/Platform.h"
+
+#include <atomic>
+#include <exception>
+#include <memory>
+
+namespace VorraneLog {
+
+namespace {
+
+// Constant from the start: the first line may come before any constructor has run.
+std::atomic<ProcessLog*> theLog{nullptr};
+
+// Keeps this module loaded, since lines may still come after its last user has let go of it.
+void stayLoaded() noexcept {
+    HMODULE module = nullptr;
+    GetModuleHandleExW(
+        GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+        reinterpret_cast<wchar_t const*>(&theLog), &module);
+}
+
+std::unique_ptr<ProcessLog> makeLog() noexcept {
+    try {
+        return std::make_unique<ProcessLog>(readLogConfiguration());
+    } catch (std::exception const&) {
+        return nullptr;
+    }
+}
+
+} // namespace
+
+// No lock here: making the log may wait for the system's loader, whose owner may be waiting to log.
+// Threads that come at once each make one, and the first is kept.
+ProcessLog* ProcessLog::instance() noexcept {
+    auto* log = theLog.load(std::memory_order_acquire);
+    if (log != nullptr)
+        return log;
+    stayLoaded();
+    auto made = makeLog();
+    if (made && theLog.compare_exchange_strong(log, made.get(), std::memory_order_acq_rel))
+        return made.release();
+    return log;
+}
+
+ProcessLog::ProcessLog(LogConfiguration const& configuration, LogFile::Limits const& limits)
+    : level_(configuration.level),
+      file_(configuration.file, limits),
+      lock_(CreateMutexW(nullptr, FALSE, nullptr)) {}
+
+bool ProcessLog::wants(char level) const noexcept { return withinLevels(level) <= level_; }
+
+void ProcessLog::write(std::string_view line) noexcept {
+    auto const waited = WaitForSingleObject(lock_.get(), INFINITE);
+    if (waited == WAIT_ABANDONED) {
+        file_.abandon();
+        isWriting_ = false;
+    } else if (waited != WAIT_OBJECT_0) {
+        return;
+    }
+    // The system lets the owner in twice: something that writing calls may log in its turn, and
+    // must not find the file half-way through a line.
+    if (!isWriting_) {
+        isWriting_ = true;
+        file_.write(line);
+        isWriting_ = false;
+    }
+    ReleaseMutex(lock_.get());
+}
+
+} // namespace VorraneLog
