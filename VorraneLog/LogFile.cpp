@@ -3,6 +3,7 @@
 #include "VorraneLog/LogLine.h"
 #include "foundation/Platform.h"
 
+#include <cstdlib>
 #include <exception>
 #include <new>
 #include <utility>
@@ -89,6 +90,8 @@ class LogFile::Sink {
     }
 
     void write(std::string_view line) {
+        if (line.size() > shortLine && !hasMemoryFor(line))
+            line = line.substr(0, wholeCharactersUpTo(line, shortLine));
         file_.log({{}, spdlog::level::info, {line.data(), line.size()}});
         file_.flush();
     }
@@ -96,6 +99,25 @@ class LogFile::Sink {
     bool isRotationBlocked() const noexcept { return isRotationBlocked_; }
 
   private:
+    // Lines of this size need nothing from the heap.
+    static constexpr std::size_t shortLine = 200;
+
+    // The library copies a longer line, and raises bad_alloc if it cannot; where the heap is exhausted
+    // this runtime may end the process at that. So such a line is cut beforehand.
+    static bool hasMemoryFor(std::string_view line) noexcept {
+        constexpr std::size_t copiesWhileGrowing = 3;
+        auto* const memory = std::malloc(copiesWhileGrowing * line.size());
+        std::free(memory);
+        return memory != nullptr;
+    }
+
+    // The greatest size up to this one that tears no character of the line.
+    static std::size_t wholeCharactersUpTo(std::string_view line, std::size_t size) noexcept {
+        while ((static_cast<unsigned char>(line[size]) & 0xC0U) == 0x80)
+            --size;
+        return size;
+    }
+
     // After its first opening the file is only opened to start afresh, and then must be gone.
     spdlog::file_event_handlers handlers() {
         spdlog::file_event_handlers handlers;
@@ -140,8 +162,8 @@ bool LogFile::putWithCount(std::string_view line) noexcept {
     if (dropped_ > 0) {
         LogText notice;
         appendColumns(notice, warning, L"VorraneLog");
+        notice.appendAscii("Lines dropped before this one: ");
         notice.appendNumber(static_cast<long long>(dropped_));
-        notice.appendAscii(" lines could not be written");
         if (!put(notice.view()))
             return false;
         dropped_ = 0;

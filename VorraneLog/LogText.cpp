@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <exception>
+#include <cstring>
 
 namespace VorraneLog {
 
@@ -24,8 +24,6 @@ bool isControl(char32_t codePoint) {
     return codePoint < 0x20 || (codePoint >= 0x7F && codePoint < 0xA0) || codePoint == 0x2028 ||
            codePoint == 0x2029;
 }
-
-bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80; }
 
 // Takes the first character off the text.
 char32_t takeCodePoint(std::wstring_view& text) {
@@ -61,15 +59,13 @@ void LogText::appendAscii(std::string_view text) noexcept { appendBytes(text); }
 void LogText::appendBytes(std::string_view text) noexcept {
     if (isCut_)
         return;
-    if (text.size() > mostBytes - cutMark.size() - bytes_.size()) {
+    auto const needed = size_ + text.size() + cutMark.size();
+    if (needed > mostBytes || (needed > capacity_ && !grow(needed))) {
         cut();
         return;
     }
-    try {
-        bytes_.append(text.data(), text.data() + text.size());
-    } catch (std::exception const&) {
-        cut();
-    }
+    std::memcpy(bytes() + size_, text.data(), text.size());
+    size_ += text.size();
 }
 
 void LogText::appendNumber(long long number) noexcept {
@@ -111,14 +107,26 @@ void LogText::appendVisibly(char32_t control) noexcept {
     appendAscii({form.data(), form.size()});
 }
 
-// The mark takes the place of the last bytes where there is no memory to make room for it.
+// The plain C functions: where the heap is exhausted this runtime may end the process as it
+// raises bad_alloc.
+bool LogText::grow(std::size_t needed) noexcept {
+    auto const capacity = std::max(needed, 2 * capacity_);
+    auto* const memory = static_cast<char*>(std::realloc(grown_.get(), capacity));
+    if (memory == nullptr)
+        return false;
+    if (!grown_)
+        std::memcpy(memory, inside_.data(), size_);
+    static_cast<void>(grown_.release());
+    grown_.reset(memory);
+    capacity_ = capacity;
+    return true;
+}
+
+// Room for the mark is always kept.
 void LogText::cut() noexcept {
     isCut_ = true;
-    auto size = std::min(bytes_.size(), bytes_.capacity() - cutMark.size());
-    while (size > 0 && size < bytes_.size() && isContinuation(bytes_[size]))
-        --size;
-    bytes_.try_resize(size);
-    bytes_.append(cutMark.data(), cutMark.data() + cutMark.size());
+    std::memcpy(bytes() + size_, cutMark.data(), cutMark.size());
+    size_ += cutMark.size();
 }
 
 } // namespace VorraneLog

@@ -1,9 +1,10 @@
 #ifndef VORRANELOG_LOGTEXT_H
 #define VORRANELOG_LOGTEXT_H
 
-#include <fmt/format.h>
-
+#include <array>
 #include <cstddef>
+#include <cstdlib>
+#include <memory>
 #include <string_view>
 
 namespace VorraneLog {
@@ -17,6 +18,10 @@ class LogText {
   public:
     static constexpr std::size_t mostBytes = 256 * 1024;
 
+    LogText() = default;
+    LogText(LogText const&) = delete;
+    LogText& operator=(LogText const&) = delete;
+
     void append(std::wstring_view text) noexcept;
 
     // Appends characters that are known to be printable ASCII, or the tab between two columns.
@@ -24,16 +29,26 @@ class LogText {
     void appendNumber(long long number) noexcept;
     void appendRepeated(char character, std::size_t count) noexcept;
 
-    std::string_view view() const noexcept { return {bytes_.data(), bytes_.size()}; }
+    std::string_view view() const noexcept { return {bytes(), size_}; }
 
   private:
     void appendBytes(std::string_view text) noexcept;
     void appendCodePoint(char32_t codePoint) noexcept;
     void appendVisibly(char32_t control) noexcept;
+    bool grow(std::size_t needed) noexcept;
     void cut() noexcept;
 
-    static constexpr std::size_t bytesInside = 1024;
-    fmt::basic_memory_buffer<char, bytesInside> bytes_;
+    char const* bytes() const noexcept { return grown_ ? grown_.get() : inside_.data(); }
+    char* bytes() noexcept { return grown_ ? grown_.get() : inside_.data(); }
+
+    struct Release {
+        void operator()(char* memory) const noexcept { std::free(memory); }
+    };
+
+    std::array<char, 1024> inside_;
+    std::unique_ptr<char, Release> grown_;
+    std::size_t capacity_ = sizeof inside_;
+    std::size_t size_ = 0;
     bool isCut_ = false;
 };
 

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <cstddef>
 #include <string>
 #include <utility>
 
@@ -22,8 +22,8 @@ std::string lineOf(std::wstring_view text) {
 std::string lineWithoutMemory(std::wstring const& text) {
     LogText line;
     {
-        test::FailingImport<decltype(std::malloc)> noMemory(
-            "malloc", nullptr, 0, test::everyCall, test::thisProgram());
+        test::FailingImport<void*(void*, std::size_t)> noMemory(
+            "realloc", nullptr, 0, test::everyCall, test::thisProgram());
         line.append(text);
     }
     return std::string(line.view());
