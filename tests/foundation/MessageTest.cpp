@@ -1,5 +1,7 @@
 #include "foundation/Message.h"
 
+#include "GroupingLocale.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -47,22 +49,11 @@ TEST(Message, HexadecimalEndsWithTheMessage) {
     EXPECT_EQ(L"10", composeMessage(10));
 }
 
-namespace {
-
-struct ThousandsWithPoint : std::numpunct<wchar_t> {
-    wchar_t do_thousands_sep() const override { return L'.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
-} // namespace
-
 TEST(Message, DoesNotGroupDigitsInAHostsLocale) {
-    auto const before =
-        std::locale::global(std::locale(std::locale::classic(), new ThousandsWithPoint));
+    GroupingLocale const locale;
 
     auto const message = composeMessage(1234567);
 
-    std::locale::global(before);
     EXPECT_EQ(L"1234567", message);
 }
 

@@ -1,9 +1,8 @@
 #include "foundation/PortNumber.h"
 
-#include <gtest/gtest.h>
+#include "GroupingLocale.h"
 
-#include <clocale>
-#include <locale>
+#include <gtest/gtest.h>
 
 using vrUtils::portNumber;
 
@@ -57,21 +56,10 @@ TEST(PortNumber, MinusSignWrapsTheNumberAround) {
     EXPECT_EQ(0u, portNumber(L"-0", preset));
 }
 
-namespace {
-
-struct ThousandsWithPoint : std::numpunct<wchar_t> {
-    wchar_t do_thousands_sep() const override { return L'.'; }
-    std::string do_grouping() const override { return "\3"; }
-};
-
-} // namespace
-
 TEST(PortNumber, HasNoRegardToTheHostsLocale) {
-    auto const before =
-        std::locale::global(std::locale(std::locale::classic(), new ThousandsWithPoint));
+    GroupingLocale const locale;
 
     auto const number = portNumber(L"1.000", preset);
 
-    std::locale::global(before);
     EXPECT_EQ(1u, number);
 }
