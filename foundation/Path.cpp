@@ -98,7 +98,7 @@ PathCreator& Path::modify(eType type) {
 
 bool Path::AppendFolderIfNotPresent(std::wstring const& folder) {
     auto const& parts = components();
-    if (!parts.fullName().empty())
+    if (parts.hasFullName())
         return false;
     if (!parts.folders().empty() && parts.folders().back() == trimSlashes(folder))
         return false;
@@ -113,7 +113,7 @@ bool Path::AppendFolderIfNotPresent(std::wstring const& folder) {
 void Path::settleType(eType type) {
     m_type = type;
     if (type == eDetect)
-        m_type = components().fullName().empty() ? eFolder : eFile;
+        m_type = components().hasFullName() ? eFile : eFolder;
 }
 
 std::wstring_view Path::normalForm() const { return components().whole(); }

@@ -193,6 +193,7 @@ class VRUTILS_API PathSplitter {
 
     std::wstring_view part(std::size_t begin, std::size_t end) const;
     std::wstring_view whole() const { return part(0, m_extensionEnd); }
+    bool hasFullName() const { return m_extensionEnd > m_foldersEnd; }
 
     static constexpr std::size_t inlineCapacity = 260;
 
