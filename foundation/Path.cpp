@@ -98,19 +98,22 @@ PathCreator& Path::modify(eType type) {
 
 bool Path::AppendFolderIfNotPresent(std::wstring const& folder) {
     auto const& parts = components();
-    if (!parts.fullName().empty())
+    if (parts.hasFullName())
         return false;
     if (!parts.folders().empty() && parts.folders().back() == trimSlashes(folder))
         return false;
-    modify(eDetect).append(folder);
+    // The folder may stand in the parse, so it is appended before the parse goes.
+    append(folder);
+    modify(eDetect);
     return true;
 }
 
-// A text that ends in a separator is a folder's, any other a file's.
+// A text that ends in a separator is a folder's, and so is a host or a drive alone; any other is a
+// file's.
 void Path::settleType(eType type) {
     m_type = type;
     if (type == eDetect)
-        m_type = components().fullName().empty() ? eFolder : eFile;
+        m_type = components().hasFullName() ? eFile : eFolder;
 }
 
 std::wstring_view Path::normalForm() const { return components().whole(); }

@@ -45,6 +45,10 @@ PathSplitter::PathSplitter(std::wstring const& text, bool isFile) {
     assemble(parts);
 }
 
+PathSplitter::PathSplitter(PathSplitter const&) = default;
+PathSplitter& PathSplitter::operator=(PathSplitter const&) = default;
+PathSplitter::~PathSplitter() = default;
+
 // Not the runtime's routine of that name: the drive takes its separator along, and a colon in the
 // last part ends the name.
 PathSplitter::RawParts PathSplitter::_splitpath(std::wstring_view text) {

@@ -130,6 +130,11 @@ class VRUTILS_API PathSplitter {
     ///        part of the name
     PathSplitter(std::wstring const& text, bool isFile);
 
+    /// A parse never gives its parts away: moving copies.
+    PathSplitter(PathSplitter const&);
+    PathSplitter& operator=(PathSplitter const&);
+    ~PathSplitter();
+
     /// Network root: two backslashes, the host with any port, one backslash; or empty.
     std::wstring root() const;
 
@@ -188,6 +193,7 @@ class VRUTILS_API PathSplitter {
 
     std::wstring_view part(std::size_t begin, std::size_t end) const;
     std::wstring_view whole() const { return part(0, m_extensionEnd); }
+    bool hasFullName() const { return m_extensionEnd > m_foldersEnd; }
 
     static constexpr std::size_t inlineCapacity = 260;
 
@@ -221,7 +227,7 @@ class VRUTILS_API Path : private PathCreator {
     /// What a path denotes.
     enum eType : std::int32_t {
         eFolder = 0, ///< the last part is a folder; a dot in it is no extension
-        eDetect = 1, ///< the text decides: a folder if it ends in a separator, else a file
+        eDetect = 1, ///< the text decides: a file if a name ends it, else a folder
         eFile = 2,   ///< the last part is a file name with an extension
     };
 
