@@ -11,8 +11,8 @@
 //     EXPECT_THROW(path.str(), std::bad_alloc);
 //
 // Each module has an `operator new` of its own, which takes its memory from the C runtime by an
-// import; that import is counted. What the test allocates is not: only where the module is the test
-// program itself, in tests of private helpers, does it count like the rest.
+// import of `malloc`, which is what is counted. What the test allocates is not: only where the module
+// is the test program itself, in tests of private helpers, does it count like the rest.
 
 #include "tests/support/ImportHook.h"
 

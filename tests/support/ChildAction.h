@@ -1,10 +1,10 @@
 #ifndef TESTS_SUPPORT_CHILDACTION_H
 #define TESTS_SUPPORT_CHILDACTION_H
 
-// A part of the test program that runs in a process of its own, for behaviour that hangs, crashes or
-// ends the process, and for what two processes do to one another:
+// A part of the test program that runs in a process of its own, for behaviour that hangs, crashes
+// or ends the process, and for what two processes do to one another:
 //
-//     test::ChildAction const takeLock("take lock", [](std::vector<std::wstring> const& arguments) {
+//     test::ChildAction const takeLock(L"take lock", [](auto const& arguments) {
 //         LockFile const lock(vr::Path::file(arguments.at(0)));
 //         std::puts("taken");
 //         std::fflush(stdout);

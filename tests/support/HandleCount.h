@@ -6,8 +6,8 @@
 //     test::HandleLeakCheck const check;
 //     EXPECT_THROW(LoadSmallFile(missing), vrException);
 //
-// Some calls of the platform open handles at their first use that stay for good; such a call is made
-// once before the check.
+// Some calls of the platform open handles at their first use that stay for good; such a call is
+// made once before the check.
 
 #include "foundation/Platform.h"
 

@@ -3,9 +3,9 @@
 
 // Import hooks: for its life, an object stands between a module and one platform call it imports.
 //
-//     test::ImportHook hook("ReadFile", [&](HANDLE, LPVOID, DWORD, LPDWORD read, LPOVERLAPPED) -> BOOL {
-//         *read = 3;
-//         return TRUE;
+//     test::ImportHook hook("GetDriveTypeW", [&](LPCWSTR root) -> UINT {
+//         asked = root;
+//         return DRIVE_REMOTE;
 //     });
 //
 // A replacement that passes the call on names the signature, so that it may speak of its own hook:

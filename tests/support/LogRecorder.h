@@ -7,8 +7,8 @@
 //     ...
 //     EXPECT_THAT(recorder.lines(), ElementsAre(test::Logged(7, L"Locking file [C:\\a.txt]")));
 //
-// A composed text is a format without values. Where it holds a percent sign, its `text` would fill in
-// values that nobody passed; such a line is told by its format:
+// A composed text is a format without values. Where it holds a percent sign, its `text` would fill
+// in values that nobody passed; such a line is told by its format:
 //
 //     EXPECT_THAT(recorder.lines(), ElementsAre(test::LoggedFormat(4, L"No such key 100%s")));
 
