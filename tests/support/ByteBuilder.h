@@ -73,7 +73,7 @@ Bytes wavFormat(std::uint32_t samplesPerSecond, std::uint16_t bitsPerSample);
 Bytes aiffFormat(ExtendedBytes const& samplesPerSecond, std::uint16_t bitsPerSample);
 
 // The start of a WAV file: "RIFF", length, "WAVE", and the chunks with their lengths in
-// little-endian order. No chunk of odd length is padded, unless its value brings the pad byte along.
+// little-endian order. A chunk of odd length is not padded, unless its value brings the pad byte.
 Bytes wavHead(
     std::uint32_t samplesPerSecond, std::uint16_t bitsPerSample, HeadLayout const& layout = {});
 

@@ -30,8 +30,7 @@ test::ChildAction const tellArguments(L"tell arguments", [](auto const& argument
 });
 
 test::ChildAction const crash(L"crash", [](auto const&) {
-    int volatile* volatile const nowhere = nullptr;
-    *nowhere = 1;
+    RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
     return 0;
 });
 

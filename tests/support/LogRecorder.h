@@ -48,8 +48,8 @@ struct LogLine {
     std::optional<std::wstring> file;
     std::optional<int> line;
 
-    // The format with its values filled in. What is no directive of d, i, u, x, X, c or s, and every
-    // directive behind the eighth, stays as it is.
+    // The format with its values filled in. What is no directive of d, i, u, x, X, c or s stays as
+    // it is, and so does every directive behind the eighth.
     std::wstring text() const;
 };
 
@@ -95,7 +95,8 @@ class LogRecorder {
     std::optional<ImportPatch> m_debugLineCall;
 };
 
-// Matches a line of this level under this module whose filled-in text is, or matches, what is given.
+// Matches a line of this level under this module whose filled-in text is what is given, or matches
+// it.
 template <typename Text>
 testing::Matcher<LogLine const&>
 Logged(int level, Text const& text, std::wstring const& module = L"vrUtils") {

@@ -1,8 +1,8 @@
 #ifndef TESTS_SUPPORT_SCRATCHKEY_H
 #define TESTS_SUPPORT_SCRATCHKEY_H
 
-// An empty registry key of a test's own below `HKEY_CURRENT_USER`. It goes with the object, and with
-// all its values and subkeys.
+// An empty registry key of a test's own below `HKEY_CURRENT_USER`. It goes with the object, and so
+// do its values and subkeys.
 //
 //     test::ScratchKey key;
 //     key.setText(L"Folder", L"C:\\Media");
