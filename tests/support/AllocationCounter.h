@@ -10,8 +10,8 @@
 //     counter.failAt(1);
 //     EXPECT_THROW(path.str(), std::bad_alloc);
 //
-// Each module has an `operator new` of its own, which takes its memory from the C runtime: it imports
-// `malloc`, and the calls of that import are counted. What the test allocates is not counted, but
+// Each module has an `operator new` of its own, which takes its memory from the C runtime. It does
+// so by an import of `malloc`, whose calls are counted. What the test allocates is not counted, but
 // where the module is the test program itself, in tests of private helpers.
 
 #include "tests/support/ImportHook.h"
