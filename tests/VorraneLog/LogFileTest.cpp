@@ -254,7 +254,7 @@ TEST(LogFile, FolderInPlaceOfTheFileIsPassedOver) {
 TEST(LogFile, DroppedLinesAreCounted) {
     test::ScratchFolder const folder;
     auto const obstacle = folder.write(L"logs", "a file where the folder should be");
-    LogFile file(folder.file(L"logs\\a.log"), smallLimits);
+    LogFile file(folder.file(L"logs\\a.log"), {1000, 2, 0});
     file.write("lost");
     file.write("lost");
     DeleteFileW(obstacle.c_str());

@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <ostream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -115,6 +116,10 @@ struct LevelCase {
     wchar_t const* setting;
     std::size_t lines;
 };
+
+std::ostream& operator<<(std::ostream& stream, LevelCase const& level) {
+    return stream << test::utf8(level.setting);
+}
 
 class VorraneLogLevel : public testing::TestWithParam<LevelCase> {};
 
