@@ -38,8 +38,9 @@ VRUTILS_API std::uint32_t GetAgeOfFileInHours(vr::Path const& path);
 ///         a file that is open without sharing its deletion, for a read-only file
 VRUTILS_API bool DeleteFileIfExists(vr::Path const& path);
 
-/// Replaces the file by these bytes, in one write. A vector of 4 GiB or more is cut at its length
-/// modulo 4 GiB. How many bytes the platform reports as written is not looked at.
+/// Replaces the file by these bytes, in one write; no bytes make an empty file without a write. A
+/// vector of 4 GiB or more is cut at its length modulo 4 GiB. How many bytes the platform reports
+/// as written is not looked at.
 /// @throws vrException `Unable to open file PATH`, the old file then being as it was;
 ///         `WriteFile failed on "PATH" - error NUMBER`, the file then being incomplete
 VRUTILS_API void SaveSmallFile(std::vector<char> const& bytes, vr::Path const& path);
@@ -66,7 +67,8 @@ LoadSmallFile(vr::Path const& path, std::uint32_t maximum, std::vector<char>* by
 VRUTILS_API void
 GenerateLegalFilename(std::wstring const& source, std::wstring& result, bool asciiOnly);
 
-/// Makes a bare file name that no call has given before: a new identifier and ".tmp".
+/// Makes a bare file name that no call has given before: a new identifier and ".tmp". Nothing
+/// fails; a platform that gives no identifier leaves ".tmp" alone.
 VRUTILS_API void GenerateTempFilename(std::wstring& result);
 
 /// Makes the folder with all missing levels above it. Does nothing if the path exists, even if it
