@@ -24,8 +24,8 @@ Type* at(HMODULE module, std::uint64_t offset) {
 
 // Where the module keeps the addresses of the functions of this name that it imports.
 std::vector<ImportPatch::Function*> placesOf(std::string const& import, HMODULE module) {
-    auto const* const header =
-        at<IMAGE_NT_HEADERS>(module, at<IMAGE_DOS_HEADER>(module, 0)->e_lfanew);
+    auto const headerOffset = static_cast<DWORD>(at<IMAGE_DOS_HEADER>(module, 0)->e_lfanew);
+    auto const* const header = at<IMAGE_NT_HEADERS>(module, headerOffset);
     auto const& directory = header->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
 
     std::vector<ImportPatch::Function*> places;
