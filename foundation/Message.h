@@ -10,8 +10,8 @@
 namespace vrUtils {
 
 // Puts a message together from literals, wide strings, numbers and paths, in reading order. The
-// classic locale keeps a host's own from grouping the digits, and a failed allocation surfaces instead
-// of cutting the message short.
+// classic locale keeps a host's own from grouping the digits, and a failed allocation surfaces
+// instead of cutting the message short.
 template <typename... Pieces>
 std::wstring composeMessage(Pieces const&... pieces) {
     std::wostringstream text;
