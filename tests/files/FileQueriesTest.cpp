@@ -2,6 +2,7 @@
 
 #include "foundation/Platform.h"
 #include "tests/files/FailsWith.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/ScratchFolder.h"
 
@@ -9,6 +10,7 @@
 
 #include <functional>
 #include <limits>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -192,9 +194,19 @@ TEST_F(OfflineFile, IsNotToldByAnyOtherAttribute) {
 struct NamedQuery {
     char const* name;
     std::function<void(vr::Path const&)> ask;
+
+    friend std::ostream& operator<<(std::ostream& stream, NamedQuery const& query) {
+        return stream << query.name;
+    }
 };
 
-class EachQuery : public FileQueries, public testing::WithParamInterface<NamedQuery> {};
+class EachQuery : public FileQueries, public testing::WithParamInterface<NamedQuery> {
+  protected:
+    std::wstring missingFileMessage() const {
+        return L"GetFileAttributesEx failed on \"" + m_folder.file(L"missing.bin") +
+               L"\" - error 2";
+    }
+};
 
 INSTANTIATE_TEST_SUITE_P(
     , EachQuery,
@@ -205,10 +217,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](auto const& tested) { return std::string(tested.param.name); });
 
 TEST_P(EachQuery, FailsOnAMissingFile) {
-    EXPECT_THAT(
-        [&] { GetParam().ask(m_missing); },
-        FailsWith(
-            L"GetFileAttributesEx failed on \"" + m_folder.file(L"missing.bin") + L"\" - error 2"));
+    EXPECT_THAT([&] { GetParam().ask(m_missing); }, FailsWith(missingFileMessage()));
 }
 
 TEST_P(EachQuery, FailsInAMissingFolder) {
@@ -249,6 +258,24 @@ TEST_P(EachQuery, AsksThePlatformOnce) {
     GetParam().ask(m_path);
 
     EXPECT_EQ(1u, hook.calls());
+}
+
+TEST_P(EachQuery, FailedAllocationStaysOneOrLeavesTheWholeMessage) {
+    test::AllocationCounter counter;
+    unsigned failures = 0;
+    for (unsigned number = 1; number <= 40; ++number) {
+        counter.failAt(number);
+        try {
+            GetParam().ask(vr::Path(m_missing));
+        } catch (std::bad_alloc const&) {
+            ++failures;
+        } catch (vrException const& failure) {
+            EXPECT_EQ(missingFileMessage(), failure.message()) << number;
+        }
+        counter.failNone();
+    }
+
+    EXPECT_LT(0u, failures);
 }
 
 class FileAge : public FileQueries {

@@ -7,7 +7,7 @@
 using vrUtils::Files::withEscapes;
 using vrUtils::Files::withoutIllegalCharacters;
 
-// The public operation runs one pass behind the other, so that the escapes of the second never show.
+// The public operation runs one pass behind the other, and the escapes of the second never show.
 
 TEST(LegalFilenamePasses, FirstGivesDashesAlone) {
     EXPECT_EQ(L"-a~-\u00E4-", withoutIllegalCharacters(L"~a~:\u00E4\x1F"));

@@ -1,6 +1,7 @@
 #include "vrUtils/Files/FileQueries.h"
 
 #include "tests/files/FailsWith.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/support/Campaign.h"
 
 #include <gtest/gtest.h>
@@ -163,4 +164,20 @@ TEST(LegalFilename, SecondRunChangesNothing) {
 
         ASSERT_EQ(once, legal(once)) << campaign;
     }
+}
+
+TEST(LegalFilename, FailedAllocationLeavesTheResult) {
+    std::wstring const source(100, L':');
+
+    auto const failed = test::failEachAllocation([&] {
+        std::wstring result = L"before";
+        try {
+            GenerateLegalFilename(source, result, true);
+        } catch (std::bad_alloc const&) {
+            EXPECT_EQ(L"before", result);
+            throw;
+        }
+    });
+
+    EXPECT_LT(0u, failed);
 }

@@ -2,6 +2,7 @@
 
 #include "foundation/Platform.h"
 #include "tests/files/FailsWith.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/support/HandleCount.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/ScratchFolder.h"
@@ -292,6 +293,18 @@ TEST_F(SmallFileLoad, ClosesTheFileOnEveryWayOut) {
     }
 }
 
+TEST_F(SmallFileLoad, FailedAllocationStaysOneAndClosesTheFile) {
+    test::HandleLeakCheck const check;
+
+    auto const failed = test::failEachAllocation([&] {
+        Bytes bytes;
+        LoadSmallFile(pathOf(L"a.bin"), noLimit, &bytes);
+        EXPECT_EQ(bytesOf("content"), bytes);
+    });
+
+    EXPECT_LT(0u, failed);
+}
+
 class SmallFileSave : public SmallFile {};
 
 TEST_F(SmallFileSave, MakesTheFile) {
@@ -394,6 +407,14 @@ TEST_F(SmallFileSave, ClosesTheFileOnEveryWayOut) {
     EXPECT_ANY_THROW(SaveSmallFile(bytesOf("saved"), pathOf(L"no folder\\a.bin")));
     test::FailingImport<decltype(WriteFile)> const fails("WriteFile", FALSE, ERROR_DISK_FULL);
     EXPECT_ANY_THROW(SaveSmallFile(bytesOf("saved"), m_path));
+}
+
+TEST_F(SmallFileSave, FailedAllocationStaysOneAndClosesTheFile) {
+    test::HandleLeakCheck const check;
+
+    auto const failed = test::failEachAllocation([&] { SaveSmallFile(m_bytes, pathOf(L"a.bin")); });
+
+    EXPECT_LT(0u, failed);
 }
 
 namespace {

@@ -1,6 +1,7 @@
 #include "vrUtils/Files/FileQueries.h"
 
 #include "foundation/Platform.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/support/ImportHook.h"
 
 #include <rpc.h>
@@ -109,4 +110,19 @@ TEST(TempFilename, FreesTheTextOnce) {
     EXPECT_NE(nullptr, made);
     EXPECT_EQ(made, freed);
     EXPECT_EQ(1u, frees.calls());
+}
+
+TEST(TempFilename, FailedAllocationFreesTheTextAllTheSame) {
+    test::ImportHook<decltype(UuidToStringW)> const converts(
+        "UuidToStringW", [&](auto... arguments) { return converts.original()(arguments...); });
+    test::ImportHook<decltype(RpcStringFreeW)> const frees(
+        "RpcStringFreeW", [&](auto... arguments) { return frees.original()(arguments...); });
+
+    auto const failed = test::failEachAllocation([] {
+        std::wstring name;
+        GenerateTempFilename(name);
+    });
+
+    EXPECT_LT(0u, failed);
+    EXPECT_EQ(converts.calls(), frees.calls());
 }
