@@ -15,6 +15,7 @@
 #include "vrUtils/UtilValue.h"
 #include "vrUtils/vrUtilsApi.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 
@@ -32,7 +33,7 @@ class VRUTILS_API Tag {
 
     Tag(Tag& source);
     Tag(Tag&& source) noexcept;
-    Tag& operator=(Tag& source);
+    Tag& operator=(Tag& source); // NOLINT(misc-unconventional-assign-operator)
     Tag& operator=(Tag&& source) noexcept;
     ~Tag();
 
@@ -76,7 +77,8 @@ class VRUTILS_API TagParser {
     /// @throws vrException "Insufficient data for tag parse read"
     virtual std::uint32_t ReadNextLength();
 
-    /// Reads chunks until one has this name.
+    /// Reads chunks until one has this name. Those it passes are copied like it, until a length leads
+    /// back: from there on only the one it looks for is, so that the cost stays linear in the buffer.
     /// @throws vrException "Insufficient data for tag parse read", which is also how a walk ends
     ///         that does not find the chunk, or that lengths near 2^32 would lead in a circle
     Tag FindTag(std::uint32_t name);
@@ -99,6 +101,8 @@ class VRUTILS_API TagParser {
 
   private:
     unsigned char const* Read(std::uint32_t length);
+    std::array<unsigned char, 4> ReadHeaderField();
+    Tag FindTagAfterMoveBack(std::uint32_t name);
 
     unsigned char const* m_buffer;
     std::uint32_t m_size;
