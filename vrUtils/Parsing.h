@@ -33,7 +33,7 @@ class VRUTILS_API Tag {
 
     Tag(Tag& source);
     Tag(Tag&& source) noexcept;
-    Tag& operator=(Tag& source); // NOLINT(misc-unconventional-assign-operator): takes the block away
+    Tag& operator=(Tag& source); // NOLINT(misc-unconventional-assign-operator)
     Tag& operator=(Tag&& source) noexcept;
     ~Tag();
 
