@@ -15,6 +15,7 @@
 #include "vrUtils/UtilValue.h"
 #include "vrUtils/vrUtilsApi.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 
@@ -32,7 +33,7 @@ class VRUTILS_API Tag {
 
     Tag(Tag& source);
     Tag(Tag&& source) noexcept;
-    Tag& operator=(Tag& source);
+    Tag& operator=(Tag& source); // NOLINT(misc-unconventional-assign-operator)
     Tag& operator=(Tag&& source) noexcept;
     ~Tag();
 
@@ -99,6 +100,7 @@ class VRUTILS_API TagParser {
 
   private:
     unsigned char const* Read(std::uint32_t length);
+    std::array<unsigned char, 4> ReadHeaderField();
 
     unsigned char const* m_buffer;
     std::uint32_t m_size;

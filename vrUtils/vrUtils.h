@@ -11,6 +11,7 @@
 #include "vrUtils/Parsing.h"
 #include "vrUtils/Path.h"
 #include "vrUtils/Registry.h"
+#include "vrUtils/ServerRecords.h"
 #include "vrUtils/Storage.h"
 #include "vrUtils/Strings.h"
 #include "vrUtils/TcpComms.h"

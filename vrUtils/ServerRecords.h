@@ -1,0 +1,127 @@
+#ifndef VRUTILS_SERVERRECORDS_H
+#define VRUTILS_SERVERRECORDS_H
+
+/// @file
+/// The server's own records, as far as this library reads them.
+///
+/// The server's modules define these types in full; here stand the members that are used, in their
+/// order, so that the library and its tests build without those modules. A program of the server
+/// family passes its own records. Everything is zero or empty until it is filled.
+///
+/// The enumerations take in whatever integer arrives: a value that has no name here is no error,
+/// and each operation tells what it makes of it.
+///
+/// These are plain values without locks: one object is for one thread at a time.
+
+#include "vrUtils/Path.h"
+
+#include <boost/shared_ptr.hpp>
+
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <utility>
+
+/// The rate that timecode counts at. Four digits in a name are hundredths: 2398 is 23.98 frames per
+/// second.
+enum EFrameRate : std::int32_t {
+    eFrameRateUnknown = 0,
+    eFrameRate25 = 1,
+    eFrameRate30 = 2,
+    eFrameRate2997Drop = 3, ///< counts to 30, drops two numbers a minute
+    eFrameRate24 = 4,
+    eFrameRate2398 = 5, ///< counts to 24
+    eFrameRate50 = 6,
+    eFrameRate60 = 7,
+    eFrameRate5994Drop = 8, ///< counts to 60, drops four numbers a minute
+};
+
+/// The kind of a server. Most kinds mean nothing to the library by themselves and have no name.
+enum EServerType : std::int32_t {
+    eServerUnknown = 0,
+    eServerCombiningArchive = 22, ///< one that combines with its archive
+};
+
+/// What a kind of server has for an archive.
+enum EArchiveSource : std::int32_t {
+    eArchiveNone = 0,
+    eArchiveFirst = 1,
+    eArchiveSecond = 2,
+};
+
+/// What a track holds.
+enum vrTrackType : std::int32_t {
+    eTrackUndefined = 0,
+    eTrackMaster = 1,
+    eTrackTimecode = 2,
+    eTrackVideo = 3,
+    eTrackAudio = 4,
+    eTrackData = 5,
+    eTrackSegment = 6,
+    eTrackComment = 7,
+};
+
+/// The record of a media object (mob): six words.
+struct MyMobID {
+    /// The tag of a valid record: the letters "mobb", the first in the most significant place.
+    static constexpr std::uint32_t validTag = 0x6D6F6262;
+
+    std::uint32_t tag = 0;
+    std::uint32_t unread[3] = {};
+    std::uint32_t duration = 0;     ///< in frames
+    std::uint32_t baseTimecode = 0; ///< in frames from midnight
+};
+
+/// A node of a list of media objects; owns neither its object nor its follower.
+struct MobListNode {
+    MyMobID* mob = nullptr;
+    MobListNode* next = nullptr; ///< null at the end
+};
+
+/// A list of media objects together with the place where a walk over it stands.
+struct MobList {
+    MobListNode* first = nullptr; ///< null if the list is empty
+    void* unread = nullptr;
+    MobListNode* current = nullptr; ///< null until a walk has begun
+};
+
+/// An item of an asset. Copies share the list, and so the place of a walk over it.
+struct vrAssetItem {
+    boost::shared_ptr<MobList> mobs;
+};
+
+/// How a server is reached.
+struct SrvrParam {
+    std::wstring host;
+    std::uint32_t type = 0;
+    std::wstring userName; ///< for the share; empty if none is configured
+    std::wstring password;
+    wchar_t folder[260] = {}; ///< zero-terminated; its first folder is the share
+};
+
+/// One file of a transfer, and a number that goes with it.
+class TransferFile {
+  public:
+    TransferFile(vr::Path name, std::uint32_t number) : m_name(std::move(name)), m_number(number) {}
+
+    /// The file; belongs to this object.
+    vr::Path const& Name() const { return m_name; }
+
+    /// The number.
+    std::uint32_t Number() const { return m_number; }
+
+  private:
+    vr::Path m_name;
+    std::uint32_t m_number;
+};
+
+/// A transfer: its target, and beside it what is transferred. Texts are zero-terminated.
+struct TransferParams : SrvrParam {
+    wchar_t relativeRoot[260] = {};   ///< folder under which relative file names are taken
+    wchar_t metadataFolder[260] = {}; ///< folder of metadata messages; empty: the target's folder
+    wchar_t fileName[260] = {};       ///< the file of a transfer of one
+    std::deque<TransferFile> files;   ///< the files of a transfer of many; may be empty
+    wchar_t sourceName[260] = {};     ///< a name to use as it stands, for a target of type 20
+};
+
+#endif
