@@ -17,13 +17,13 @@
 namespace {
 
 constexpr char explanation[] =
-    R"(Paths are shown in their normal form. DEPTH counts folders, HOURS those since the
-last write. For HZ and BITS the first 64 KiB of WAV and AIFF files are read, which
-.wav, .aif, .aiff and .aifc are; a file that is offline is not opened. What does
+    R"(Paths are shown in their normal form. DEPTH counts folders, HOURS those since
+the last write. For HZ and BITS the first 64 KiB of WAV and AIFF files
+(.wav, .aif, .aiff, .aifc) are read, unless the file is offline. What does
 not apply or is not known is shown as "-"; FAILURE says why.
 
-Ends with 0 if all went well, 1 if a path is missing or a row has a failure, 2 if
-the arguments are wrong.
+Ends with 0 if all went well, 1 if a path is missing or a row has a failure, 2
+if the arguments are wrong.
 
 Example:
   vrtool inspect "D:\Media\Day 1" \\server\share\clip.aiff

@@ -15,8 +15,8 @@
 namespace {
 
 constexpr char explanation[] =
-    R"(The text is read as a folder, as what it looks like (detect), and as a file; the
-row "type" tells what each reading ends as. No disk is touched.
+    R"(The text is read as a folder, as what it looks like (detect), and as a file;
+the row "type" tells what each reading ends as. No disk is touched.
 
 Example:
   vrtool path \\server\share\Media\clip.mxf

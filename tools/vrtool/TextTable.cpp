@@ -22,13 +22,22 @@ std::wstring cutTo(std::size_t width, std::wstring_view text) {
     return std::wstring(text.substr(0, unitsWithin(text, width - 1))) + ellipsis;
 }
 
+// Where a line of a longer text ends: behind a separator if one is near, and never before its first
+// character, however wide.
+std::size_t lineEnd(std::wstring_view text, std::size_t width) {
+    auto const units = unitsWithin(text, std::max<std::size_t>(width, 2));
+    if (units == text.size())
+        return units;
+    auto const separator = text.substr(0, units).find_last_of(L"\\ ");
+    return separator != text.npos && separator >= units / 2 ? separator + 1 : units;
+}
+
 std::vector<std::wstring> wrapTo(std::size_t width, std::wstring_view text) {
     std::vector<std::wstring> lines;
     do {
-        // A character too wide for its column is shown all the same.
-        auto const units = std::max<std::size_t>(unitsWithin(text, width), 1);
+        auto const units = lineEnd(text, width);
         lines.emplace_back(text.substr(0, units));
-        text.remove_prefix(std::min(units, text.size()));
+        text.remove_prefix(units);
     } while (!text.empty());
     return lines;
 }
