@@ -1,0 +1,177 @@
+// The program as a whole: help, version, wrong arguments, and where its output goes.
+
+#include "foundation/Platform.h"
+#include "tests/support/OwnedHandle.h"
+#include "tests/support/ScratchFolder.h"
+#include "tests/vrtool/ToolRun.h"
+#include "tools/vrtool/TextWidth.h"
+#include "tools/vrtool/Utf8.h"
+#include "vrUtils/version.h"
+
+#include <gmock/gmock.h>
+
+using testing::AllOf;
+using testing::Each;
+using testing::HasSubstr;
+using testing::Not;
+using testing::ResultOf;
+using testing::StartsWith;
+
+namespace {
+
+using Arguments = std::vector<std::wstring>;
+
+std::size_t columnsOf(std::string const& line) { return widthOf(fromUtf8(line)); }
+
+} // namespace
+
+TEST(Vrtool, VersionIsThatOfTheLibrary) {
+    auto const run = test::runTool({L"--version"});
+
+    EXPECT_EQ("vrtool " VRUTILS_VERSION "\n", run.out);
+    EXPECT_EQ("", run.error);
+    EXPECT_EQ(0u, run.exitCode);
+}
+
+TEST(Vrtool, HelpListsTheSubcommands) {
+    auto const run = test::runTool({L"--help"});
+
+    EXPECT_THAT(
+        run.out,
+        AllOf(HasSubstr("Usage: vrtool"), HasSubstr("\n  inspect "), HasSubstr("\n  path ")));
+    EXPECT_EQ("", run.error);
+    EXPECT_EQ(0u, run.exitCode);
+}
+
+TEST(Vrtool, InspectsHelpHasAnExample) {
+    auto const run = test::runTool({L"inspect", L"--help"});
+
+    EXPECT_THAT(
+        run.out, AllOf(
+                     HasSubstr("Usage: vrtool inspect [OPTIONS] PATH..."),
+                     HasSubstr("Example:\n  vrtool inspect ")));
+    EXPECT_EQ(0u, run.exitCode);
+}
+
+TEST(Vrtool, PathsHelpHasAnExample) {
+    auto const run = test::runTool({L"path", L"--help"});
+
+    EXPECT_THAT(
+        run.out,
+        AllOf(
+            HasSubstr("Usage: vrtool path [OPTIONS] TEXT"), HasSubstr("Example:\n  vrtool path ")));
+    EXPECT_EQ(0u, run.exitCode);
+}
+
+class VrtoolHelp : public testing::TestWithParam<Arguments> {};
+
+TEST_P(VrtoolHelp, FitsATerminalOfEightyColumns) {
+    auto const run = test::runTool(GetParam());
+
+    EXPECT_THAT(run.lines(), Each(ResultOf(columnsOf, testing::Le(79u))));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Vrtool, VrtoolHelp,
+    testing::Values(
+        Arguments{L"--help"}, Arguments{L"inspect", L"--help"}, Arguments{L"path", L"--help"}),
+    [](auto const& test) { return test.index == 0 ? "program" : toUtf8(test.param.front()); });
+
+struct WrongArguments {
+    char const* name;
+    Arguments arguments;
+    std::string reason;
+    std::string usage;
+};
+
+void PrintTo(WrongArguments const& arguments, std::ostream* stream) { *stream << arguments.reason; }
+
+class VrtoolWrongArguments : public testing::TestWithParam<WrongArguments> {};
+
+TEST_P(VrtoolWrongArguments, GiveUsageOnStandardErrorAndTwo) {
+    auto const run = test::runTool(GetParam().arguments);
+
+    EXPECT_THAT(run.error, StartsWith("vrtool: " + GetParam().reason + "\n\n"));
+    EXPECT_THAT(run.error, HasSubstr("Usage: vrtool " + GetParam().usage));
+    EXPECT_EQ("", run.out);
+    EXPECT_EQ(2u, run.exitCode);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Vrtool, VrtoolWrongArguments,
+    testing::Values(
+        WrongArguments{"None", {}, "A subcommand is required", "[OPTIONS] SUBCOMMAND"},
+        WrongArguments{
+            "UnknownSubcommand",
+            {L"inspekt", L"a"},
+            "A subcommand is required",
+            "[OPTIONS] SUBCOMMAND"},
+        WrongArguments{
+            "UnknownOption",
+            {L"inspect", L"--jason", L"a"},
+            "The following argument was not expected: --jason",
+            "inspect [OPTIONS] PATH..."},
+        WrongArguments{
+            "InspectWithoutPath", {L"inspect"}, "PATH is required", "inspect [OPTIONS] PATH..."},
+        WrongArguments{
+            "InspectWithAnOptionOnly",
+            {L"inspect", L"--json"},
+            "PATH is required",
+            "inspect [OPTIONS] PATH..."},
+        WrongArguments{"PathWithoutText", {L"path"}, "TEXT is required", "path [OPTIONS] TEXT"},
+        WrongArguments{
+            "PathWithTwoTexts",
+            {L"path", L"a", L"[b]"},
+            "The following argument was not expected: [b]",
+            "path [OPTIONS] TEXT"},
+        WrongArguments{
+            "PathWithATextBeyondAscii",
+            {L"path", L"a", L"\u00fc%s\U0001F3AC"},
+            "The following argument was not expected: \xC3\xBC%s\xF0\x9F\x8E\xAC",
+            "path [OPTIONS] TEXT"},
+        WrongArguments{
+            "WidthThatIsNoNumber",
+            {L"--width", L"many", L"path", L"a"},
+            "--width: Value many not in range 0 to 32767",
+            "path [OPTIONS] TEXT"},
+        WrongArguments{
+            "WidthBelowZero",
+            {L"path", L"a", L"--width", L"-1"},
+            "--width: Value -1 not in range 0 to 32767",
+            "path [OPTIONS] TEXT"}),
+    [](auto const& test) { return test.param.name; });
+
+TEST(Vrtool, TakesTheWidthBeforeAndBehindTheSubcommand) {
+    std::wstring const text = L"C:\\Media\\Recordings of the first day\\clip.wav";
+    auto const before = test::runTool({L"--width", L"60", L"path", text});
+    auto const behind = test::runTool({L"path", text, L"--width", L"60"});
+
+    EXPECT_THAT(before.lines(), Each(ResultOf(columnsOf, testing::Le(60u))));
+    EXPECT_EQ(before.out, behind.out);
+    EXPECT_EQ(0u, behind.exitCode);
+}
+
+TEST(Vrtool, EndsItsLinesWithPlainLineFeeds) {
+    auto const run = test::runTool({L"path", L"a"});
+
+    EXPECT_THAT(run.out, Not(HasSubstr("\r")));
+    EXPECT_EQ('\n', run.out.back());
+}
+
+TEST(Vrtool, SaysThatItsOutputHasNoReader) {
+    test::ScratchFolder const folder;
+    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+    HANDLE readEnd = nullptr;
+    HANDLE writeEnd = nullptr;
+    ASSERT_TRUE(CreatePipe(&readEnd, &writeEnd, &inherited, 0));
+    CloseHandle(readEnd);
+    test::OwnedHandle const out(writeEnd);
+    test::OwnedHandle error(CreateFileW(
+        folder.file(L"error").c_str(), GENERIC_WRITE, 0, &inherited, CREATE_NEW, 0, nullptr));
+
+    auto const exitCode = test::runTool({L"path", L"a"}, out.get(), error.get());
+    error.reset();
+
+    EXPECT_EQ(1u, exitCode);
+    EXPECT_THAT(folder.read(L"error"), StartsWith("vrtool: cannot write the output: "));
+}
