@@ -255,7 +255,7 @@ TEST_F(VrtoolInspect, NamesAMissingPathAndGoesOn) {
 }
 
 TEST_F(VrtoolInspect, NamesEachMissingPathInALineOfItsOwn) {
-    auto const run = test::runTool({L"inspect", L"C:\\no\\way\\a", L"", L"C:\\b%s%n.wav"});
+    auto const run = test::runTool({L"inspect", L"C:\\no\\way\\a", {}, L"C:\\b%s%n.wav"});
 
     EXPECT_EQ(
         missing + "\"C:\\no\\way\\a\"\n" + missing + "\"\"\n" + missing + "\"C:\\b%s%n.wav\"\n",

@@ -123,7 +123,7 @@ TEST(VrtoolPath, SeparatesFoldersByBars) {
 }
 
 TEST(VrtoolPath, TakesAnEmptyText) {
-    auto const document = partsOf(L"");
+    auto const document = partsOf({});
 
     EXPECT_EQ("", document["text"].asString());
     EXPECT_EQ("folder", document["detect"]["type"].asString());

@@ -36,7 +36,7 @@ TEST(TextTable, AlignsTextLeftAndNumbersRight) {
 
 TEST(TextTable, HasNoBlanksAtTheEndOfALine) {
     TextTable table({{L"A"}, {L"B"}});
-    table.addRow({L"x", L""});
+    table.addRow({L"x", {}});
     table.addRow({L"y", L"long"});
 
     EXPECT_EQ("A  B\nx\ny  long\n", table.text(noLimit));
@@ -103,7 +103,7 @@ TEST(TextTable, GivesColumnsALineOfTheirOwnAboveAndBelow) {
          {L"NAME"},
          {L"FAILURE", Align::left, Narrow::ownLine}});
     table.addRow({L"C:\\Media\\a.wav", L"a", L"Missing RIFF tag"});
-    table.addRow({L"C:\\Media\\b.wav", L"b", L""});
+    table.addRow({L"C:\\Media\\b.wav", L"b", {}});
 
     EXPECT_EQ(
         "PATH            NAME  FAILURE\n"
