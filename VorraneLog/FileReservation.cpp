@@ -53,10 +53,10 @@ Handle claim(std::wstring const& name) {
 
 FileReservation::FileReservation(
     std::wstring const& folder, std::vector<std::wstring> const& names) {
-    auto const place = finalPath(folder);
+    auto const place = finalPath(folder) + L'\\';
     std::vector<Handle> claims;
     for (auto const& name : names) {
-        auto claimed = claim(claimName(upperCase(place + L'\\' + name)));
+        auto claimed = claim(claimName(upperCase(place + name)));
         if (!claimed)
             return;
         claims.push_back(std::move(claimed));

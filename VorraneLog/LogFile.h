@@ -18,7 +18,8 @@ namespace VorraneLog {
 class LogFile {
   public:
     struct Limits {
-        std::size_t bytes = 10 * 1024 * 1024; // of the file before it becomes an old one
+        std::size_t bytes =
+            std::size_t{10} * 1024 * 1024; // of the file before it becomes an old one
         std::size_t oldFiles = 5;
         std::uint64_t pause = 5000; // milliseconds between attempts at a file that cannot be opened
     };

@@ -270,9 +270,16 @@ void appendText(LogText& line, Directive const& directive, wchar_t const* text) 
     });
 }
 
+wchar_t const* asPointer(std::uint64_t value) {
+    wchar_t const* pointer = nullptr;
+    static_assert(sizeof pointer == sizeof value);
+    std::memcpy(&pointer, &value, sizeof pointer);
+    return pointer;
+}
+
 void appendValue(LogText& line, Directive const& directive, std::uint64_t value) {
     if (directive.conversion == L's') {
-        appendText(line, directive, reinterpret_cast<wchar_t const*>(value));
+        appendText(line, directive, asPointer(value));
     } else if (directive.conversion == L'c') {
         auto const character = static_cast<wchar_t>(value);
         appendField(line, directive, 1, [&] { line.append({&character, 1}); });

@@ -57,7 +57,7 @@ void LogText::append(std::wstring_view text) noexcept {
 void LogText::appendAscii(std::string_view text) noexcept { appendBytes(text); }
 
 void LogText::appendBytes(std::string_view text) noexcept {
-    if (isCut_)
+    if (isCut_ || text.empty())
         return;
     auto const needed = size_ + text.size() + cutMark.size();
     if (needed > mostBytes || (needed > capacity_ && !grow(needed))) {

@@ -16,7 +16,7 @@ namespace VorraneLog {
 // dropped from there on, and the text then ends in "(cut)".
 class LogText {
   public:
-    static constexpr std::size_t mostBytes = 256 * 1024;
+    static constexpr std::size_t mostBytes = std::size_t{256} * 1024;
 
     LogText() = default;
     LogText(LogText const&) = delete;
