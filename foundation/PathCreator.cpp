@@ -2,11 +2,55 @@
 #include "vrUtils/Path.h"
 
 #include <algorithm>
+#include <functional>
 #include <utility>
 
 namespace vr {
 
 using namespace vrUtils::Strings;
+
+namespace {
+
+// Room that is made for the first piece, so that those joined to it seldom move the text.
+constexpr std::size_t usualLength = 100;
+
+// Whether the piece stands in the text.
+bool isPartOf(std::wstring const& text, std::wstring_view piece) {
+    std::less_equal<> const notBehind;
+    return notBehind(text.data(), piece.data()) &&
+           notBehind(piece.data(), text.data() + text.size());
+}
+
+// Makes room for the piece and a separator; a piece of the text itself moves along with it.
+void makeRoom(std::wstring& text, std::wstring_view& piece) {
+    auto const length = text.size() + 1 + piece.size();
+    if (length <= text.capacity())
+        return;
+    bool const isPart = isPartOf(text, piece);
+    auto const offset = isPart ? piece.data() - text.data() : 0;
+    text.reserve(std::max(length, usualLength));
+    if (isPart)
+        piece = {text.data() + offset, piece.size()};
+}
+
+void join(std::wstring& path, std::wstring_view piece) {
+    if (piece.empty())
+        return;
+    bool const pathCloses = !path.empty() && path.back() == L'\\';
+    bool const pieceOpens = isSlash(piece.front());
+    if (pathCloses && pieceOpens)
+        piece.remove_prefix(1);
+    makeRoom(path, piece);
+    if (!path.empty() && !pathCloses && !pieceOpens)
+        path.push_back(L'\\');
+
+    auto const length = static_cast<std::ptrdiff_t>(path.size());
+    path.append(piece);
+    auto const joint = path.begin() + length;
+    std::transform(joint, path.end(), joint, [](wchar_t c) { return c == L'/' ? L'\\' : c; });
+}
+
+} // namespace
 
 PathCreator::PathCreator() = default;
 
@@ -46,23 +90,13 @@ PathCreator& PathCreator::operator=(wchar_t const* text) {
     return *this;
 }
 
-PathCreator& PathCreator::append(std::wstring const& piece) { return append(piece.c_str()); }
+PathCreator& PathCreator::append(std::wstring const& piece) {
+    join(m_path, upToZero(piece));
+    return *this;
+}
 
 PathCreator& PathCreator::append(wchar_t const* piece) {
-    std::wstring_view added(piece);
-    if (added.empty())
-        return *this;
-    bool const pathCloses = !m_path.empty() && m_path.back() == L'\\';
-    bool const pieceOpens = isSlash(added.front());
-    if (pathCloses && pieceOpens)
-        added.remove_prefix(1);
-
-    // The piece may be this builder's own text: it goes in whole before anything else moves.
-    auto const joint = m_path.size();
-    m_path.append(added);
-    std::replace(m_path.begin() + static_cast<std::ptrdiff_t>(joint), m_path.end(), L'/', L'\\');
-    if (joint > 0 && !pathCloses && !pieceOpens)
-        m_path.insert(joint, 1, L'\\');
+    join(m_path, piece);
     return *this;
 }
 

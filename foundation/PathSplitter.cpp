@@ -26,6 +26,12 @@ std::wstring_view joined(std::wstring_view left, std::wstring_view right) {
     return right.empty() ? left : std::wstring_view(left.data(), left.size() + right.size());
 }
 
+// Where the first slash stands, or the length. `find_first_of` would make a call for each character.
+std::size_t findSlash(std::wstring_view text) {
+    auto const slash = std::find_if(text.begin(), text.end(), [](wchar_t c) { return isSlash(c); });
+    return static_cast<std::size_t>(slash - text.begin());
+}
+
 bool isSlashPair(std::wstring_view text) {
     return text.size() >= 2 && isSlash(text[0]) && isSlash(text[1]);
 }
@@ -110,8 +116,8 @@ void PathSplitter::settleRoot(RawParts& parts) {
         parts.dir = {};
         parts.name = {};
     } else if (isSlashPair(parts.dir)) {
-        auto const hostEnd = parts.dir.find_first_of(slashes, 2);
-        if (hostEnd != std::wstring_view::npos) {
+        auto const hostEnd = 2 + findSlash(parts.dir.substr(2));
+        if (hostEnd < parts.dir.size()) {
             parts.root = parts.dir.substr(0, hostEnd);
             parts.dir.remove_prefix(hostEnd);
         }
@@ -140,7 +146,7 @@ void PathSplitter::assemble(RawParts const& parts) {
     m_driveEnd = length();
 
     for (auto rest = parts.dir; !rest.empty();) {
-        auto const folder = rest.substr(0, rest.find_first_of(slashes));
+        auto const folder = rest.substr(0, findSlash(rest));
         rest.remove_prefix(std::min(folder.size() + 1, rest.size()));
         if (folder.empty())
             continue;

@@ -3,14 +3,17 @@
 #include "foundation/FailureCodes.h"
 #include "vrUtils/vrException.h"
 
+#include <algorithm>
 #include <cstdlib>
-#include <string_view>
 
 namespace vrUtils::Strings {
 
 namespace {
 
-constexpr std::wstring_view lineBreaks = L"\r\n";
+// An object rather than a function, since only that is sure to be inlined where it is searched for.
+constexpr auto isLineBreak = [](wchar_t character) {
+    return character == L'\r' || character == L'\n';
+};
 
 int hexDigit(char character) {
     if (character >= '0' && character <= '9')
@@ -37,35 +40,31 @@ char byteOfPair(char first, char second) {
 
 std::list<std::wstring> BreakMultiLineString(std::wstring const& text) {
     std::list<std::wstring> lines;
-    std::wstring_view rest(text);
-    auto lineBreak = rest.find_first_of(lineBreaks);
-    while (lineBreak != std::wstring_view::npos) {
-        if (lineBreak > 0)
-            lines.emplace_back(rest.substr(0, lineBreak));
-        auto const nextLine = rest.find_first_not_of(lineBreaks, lineBreak);
-        rest = nextLine == std::wstring_view::npos ? std::wstring_view() : rest.substr(nextLine);
-        lineBreak = rest.find_first_of(lineBreaks);
+    for (auto line = text.begin(); line != text.end();) {
+        auto const lineBreak = std::find_if(line, text.end(), isLineBreak);
+        if (lineBreak != line)
+            lines.emplace_back(line, lineBreak);
+        line = std::find_if_not(lineBreak, text.end(), isLineBreak);
     }
-    if (!rest.empty())
-        lines.emplace_back(rest);
     return lines;
 }
 
 std::string DecodeURL(std::string url) {
-    std::string decoded;
-    decoded.reserve(url.size());
-    std::size_t position = 0;
-    for (auto percent = url.find('%'); percent != std::string::npos;
-         percent = url.find('%', position)) {
-        decoded.append(url, position, percent - position);
-        position = percent + 3;
-        if (position > url.size())
+    // The decoded text never overtakes the one it is read from, so one string holds both.
+    auto decoded = std::find(url.begin(), url.end(), '%');
+    for (auto position = decoded; position != url.end(); ++decoded) {
+        if (*position != '%') {
+            *decoded = *position++;
+            continue;
+        }
+        if (url.end() - position < 3)
             throw vrException(
                 "StringUtilities", __LINE__, L"Invalid URL sequence", MalformedUrlEscape);
-        decoded.push_back(byteOfPair(url[percent + 1], url[percent + 2]));
+        *decoded = byteOfPair(position[1], position[2]);
+        position += 3;
     }
-    decoded.append(url, position, std::string::npos);
-    return decoded;
+    url.erase(decoded, url.end());
+    return url;
 }
 
 std::wstring FourCCToString(std::uint32_t code) {

@@ -222,6 +222,18 @@ TEST(PathCreator, AppendsItsOwnText) {
     }
 }
 
+TEST(PathCreator, AppendsItsOwnTextWhereThatHasToMove) {
+    for (std::size_t const length : {7u, 100u, 1000u}) {
+        std::wstring const text(length, L'x');
+        vr::PathCreator path;
+        path.appendRaw(text);
+
+        path.append(path.c_str() + 1);
+
+        EXPECT_EQ(text + L'\\' + text.substr(1), path.get());
+    }
+}
+
 TEST(PathCreator, AppendsItsOwnTextRaw) {
     auto path = holding(L"a/b, long enough to stand on the heap");
 

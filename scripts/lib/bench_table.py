@@ -1,0 +1,184 @@
+"""Makes one table of the figures that the benchmark programs leave behind.
+
+bench_table.py [--json FILE] [--markdown FILE] FIGURES...
+
+Every operation is a row of candidates measured in one run. The table shows the least, the median
+and the greatest of the repetitions, how each candidate's median compares with ours, and where a
+ratio is to be reached, whether it is.
+"""
+
+import argparse
+import json
+import statistics
+import sys
+from dataclasses import dataclass, field
+
+
+@dataclass
+class Row:
+    """An operation, and what is to be reached: "beat" by a factor, "within" a factor of."""
+
+    title: str
+    beat: dict = field(default_factory=dict)
+    within: dict = field(default_factory=dict)
+
+
+ROWS = {
+    "parse-unc": Row("parse a network path, all parts",
+                     beat={"std": 6, "boost": 6, "poco": 3}, within={"hand": 1.25}),
+    "parse-drive": Row("parse a drive path, all parts",
+                       beat={"std": 6, "boost": 6, "poco": 3}, within={"hand": 1.25}),
+    "join": Row("join four pieces", beat={"std": 12, "boost": 3}, within={"limit": 1.3}),
+    "equality": Row("path equality without case", beat={"_wcsicmp": 1}),
+    "split": Row("split ten fields", beat={"boost": 1.8}, within={"hand-list": 1.3}),
+    "lines-1Mi": Row("lines of 1 Mi characters", beat={"getline": 1.25}),
+    "lines-16Mi": Row("lines of 16 Mi characters", beat={"getline": 1.25}),
+    "decode-64": Row("URL of 64 bytes decoded", beat={"UrlUnescapeA": 1, "poco": 1.5}),
+    "decode-1Mi": Row("URL text of 1 MiB decoded", beat={"UrlUnescapeA": 1}),
+    "header-wav": Row("WAV header from memory", beat={"libsndfile": 15}),
+    "header-aiff": Row("AIFF header from memory", beat={"libsndfile": 8}),
+    "load-4KiB": Row("load 4 KiB", beat={"ifstream": 1}, within={"limit": 1.05}),
+    "load-1MiB": Row("load 1 MiB", beat={"ifstream": 1}, within={"limit": 1.1}),
+    "load-256MiB": Row("load 256 MiB", beat={"ifstream": 1}, within={"limit": 1.1}),
+    "save-4KiB": Row("save 4 KiB", beat={"ofstream": 1}, within={"limit": 1.05}),
+    "save-1MiB": Row("save 1 MiB", beat={"ofstream": 1}, within={"limit": 1.1}),
+    "save-256MiB": Row("save 256 MiB", beat={"ofstream": 1}, within={"limit": 1.1}),
+    "exists": Row("a file exists", beat={"std": 1, "boost": 1, "poco": 1}, within={"limit": 1.05}),
+}
+
+# Operations whose cost must keep step with the size of the input.
+SCALING = [("lines-1Mi", "lines-16Mi", "16 times the text", 22)]
+
+HEADER = ("operation", "candidate", "median", "least", "greatest", "to ours", "to reach", "reached")
+NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
+
+NOTES = """\
+"to ours" is the candidate's median divided by ours: above 1 it is slower than ours. "limit" is the
+least work that gives the answer, "hand" what a careful programmer writes for one program. Functions
+of system DLLs (PathAppendW, UrlUnescapeA, _wcsicmp, lstrcmpiW, CompareStringOrdinal) are Wine's code
+where this was measured: such ratios hold there only."""
+
+
+def read_figures(paths):
+    """The repetitions in nanoseconds: {row: {candidate: [figure, ...]}}."""
+    figures = {}
+    for path in paths:
+        with open(path, encoding="utf-8") as file:
+            content = file.read()
+        # A program that the filter leaves without work writes nothing.
+        for run in json.loads(content)["benchmarks"] if content else []:
+            if run["run_type"] != "iteration":
+                continue
+            row, candidate = run["run_name"].split("/")[:2]
+            repetitions = figures.setdefault(row, {}).setdefault(candidate, [])
+            repetitions.append(run["real_time"] * NANOSECONDS[run["time_unit"]])
+    return figures
+
+
+def time_text(nanoseconds):
+    """A time in the unit that suits it."""
+    for unit, factor in (("s", 1e9), ("ms", 1e6), ("us", 1e3)):
+        if nanoseconds >= factor:
+            return f"{nanoseconds / factor:.2f} {unit}"
+    return f"{nanoseconds:.1f} ns"
+
+
+def goal_cells(row, candidate, ratio):
+    """What is to be reached beside this candidate, and whether it is."""
+    if candidate in row.beat:
+        factor = row.beat[candidate]
+        return f"{factor:g} times faster" if factor != 1 else "faster", ratio >= factor
+    if candidate in row.within:
+        factor = row.within[candidate]
+        return f"within {factor:g}", 1 / ratio <= factor
+    return "", None
+
+
+def answer(reached):
+    return "" if reached is None else "yes" if reached else "NO"
+
+
+def row_lines(name, candidates):
+    """The lines of one operation, ours first, then the peers from slow to fast."""
+    row = ROWS.get(name, Row(name))
+    ours = statistics.median(candidates["ours"]) if "ours" in candidates else None
+    by_speed = sorted(candidates, key=lambda c: (c != "ours", -statistics.median(candidates[c])))
+    for candidate in by_speed:
+        repetitions = candidates[candidate]
+        median = statistics.median(repetitions)
+        goal, reached = goal_cells(row, candidate, median / ours) if ours else ("", None)
+        yield (row.title, candidate, time_text(median), time_text(min(repetitions)),
+               time_text(max(repetitions)), f"{median / ours:.2f}" if ours else "", goal,
+               answer(reached))
+    for peer in [*row.beat, *row.within]:
+        if peer not in candidates:
+            yield (row.title, peer, "not built or not asked for", "", "", "", "", "")
+
+
+def scaling_lines(figures):
+    """One line for each operation that must keep step with its input."""
+    for small, large, title, limit in SCALING:
+        if "ours" in figures.get(small, {}) and "ours" in figures.get(large, {}):
+            ratio = (statistics.median(figures[large]["ours"]) /
+                     statistics.median(figures[small]["ours"]))
+            yield (ROWS[large].title, "ours", f"{title}: {ratio:.1f} times the time", "", "", "",
+                   f"at most {limit}", answer(ratio <= limit))
+
+
+def table_lines(figures):
+    order = [name for name in ROWS if name in figures]
+    order += [name for name in figures if name not in ROWS]
+    lines = [line for name in order for line in row_lines(name, figures[name])]
+    return lines + list(scaling_lines(figures))
+
+
+def print_table(lines):
+    """For the eye: an operation's name only where it begins."""
+    widths = [max(len(line[column]) for line in [HEADER, *lines]) for column in range(len(HEADER))]
+    # What stands in place of figures may run on into the columns behind.
+    widths[2] = max(len("999.99 ms"), len(HEADER[2]))
+    previous = None
+    for line in [HEADER, *lines]:
+        if line[0] != previous and previous is not None:
+            print()
+        cells = ["" if line[0] == previous else line[0], *line[1:]]
+        print("  ".join(cell.ljust(width) for cell, width in zip(cells, widths)).rstrip())
+        previous = line[0]
+
+
+def markdown(lines):
+    yield "# Performance"
+    yield ""
+    yield "Written by `scripts/bench --write`: ours and the peers in one run, interleaved."
+    yield ""
+    yield NOTES
+    yield ""
+    yield "| " + " | ".join(HEADER) + " |"
+    yield "|" + "---|" * len(HEADER)
+    for line in lines:
+        yield "| " + " | ".join(line) + " |"
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--json", help="keeps the raw figures, in nanoseconds")
+    parser.add_argument("--markdown", help="writes the table as a page")
+    parser.add_argument("figures", nargs="+")
+    arguments = parser.parse_args()
+
+    figures = read_figures(arguments.figures)
+    if not figures:
+        sys.exit("nothing was measured: does the filter fit a row?")
+    lines = table_lines(figures)
+    print_table(lines)
+    print(f"\n{NOTES}")
+    if arguments.json:
+        with open(arguments.json, "w", encoding="utf-8") as file:
+            json.dump(figures, file, indent=1)
+    if arguments.markdown:
+        with open(arguments.markdown, "w", encoding="utf-8") as file:
+            file.write("\n".join(markdown(lines)) + "\n")
+
+
+if __name__ == "__main__":
+    main()
