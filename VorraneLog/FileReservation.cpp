@@ -61,7 +61,7 @@ FileReservation::FileReservation(
             return;
         claims.push_back(std::move(claimed));
     }
-    claims_ = std::move(claims);
+    m_claims = std::move(claims);
 }
 
 } // namespace VorraneLog

@@ -23,10 +23,10 @@ class FileReservation {
     // process or of another, has one of them.
     FileReservation(std::wstring const& folder, std::vector<std::wstring> const& names);
 
-    bool isHeld() const noexcept { return !claims_.empty(); }
+    bool isHeld() const noexcept { return !m_claims.empty(); }
 
   private:
-    std::vector<Handle> claims_;
+    std::vector<Handle> m_claims;
 };
 
 } // namespace VorraneLog

@@ -83,20 +83,20 @@ bool probe(std::wstring const& path, std::size_t& size) {
 class LogFile::Sink {
   public:
     Sink(std::wstring const& path, std::size_t bytes, std::size_t oldFiles)
-        : file_(path, bytes, oldFiles, false, handlers()) {
-        file_.set_formatter(std::make_unique<spdlog::pattern_formatter>(
+        : m_file(path, bytes, oldFiles, false, handlers()) {
+        m_file.set_formatter(std::make_unique<spdlog::pattern_formatter>(
             timeAndLine, spdlog::pattern_time_type::local, "\r\n"));
-        isOpen_ = true;
+        m_isOpen = true;
     }
 
     void write(std::string_view line) {
         if (line.size() > shortLine && !hasMemoryFor(line))
             line = line.substr(0, wholeCharactersUpTo(line, shortLine));
-        file_.log({{}, spdlog::level::info, {line.data(), line.size()}});
-        file_.flush();
+        m_file.log({{}, spdlog::level::info, {line.data(), line.size()}});
+        m_file.flush();
     }
 
-    bool isRotationBlocked() const noexcept { return isRotationBlocked_; }
+    bool isRotationBlocked() const noexcept { return m_isRotationBlocked; }
 
   private:
     // Lines of this size need nothing from the heap.
@@ -122,72 +122,72 @@ class LogFile::Sink {
     spdlog::file_event_handlers handlers() {
         spdlog::file_event_handlers handlers;
         handlers.before_open = [this](std::wstring const& path) {
-            if (isOpen_ && spdlog::details::os::path_exists(path)) {
-                isRotationBlocked_ = true;
+            if (m_isOpen && spdlog::details::os::path_exists(path)) {
+                m_isRotationBlocked = true;
                 throw spdlog::spdlog_ex("an old log file cannot be renamed");
             }
         };
         return handlers;
     }
 
-    bool isOpen_ = false;
-    bool isRotationBlocked_ = false;
-    RotatingFile file_;
+    bool m_isOpen = false;
+    bool m_isRotationBlocked = false;
+    RotatingFile m_file;
 };
 
-LogFile::LogFile(std::wstring const& path, Limits const& limits) : limits_(limits) {
+LogFile::LogFile(std::wstring const& path, Limits const& limits) : m_limits(limits) {
     auto const full = withoutLimit(path);
     auto const slash = full.find_last_of(separators);
     if (slash == std::wstring::npos)
         return;
-    folder_ = full.substr(0, slash);
-    name_ = full.substr(slash + 1);
+    m_folder = full.substr(0, slash);
+    m_name = full.substr(slash + 1);
 }
 
 LogFile::~LogFile() = default;
 
 void LogFile::write(std::string_view line) noexcept {
-    bool const wasOpen = sink_ != nullptr;
+    bool const wasOpen = m_sink != nullptr;
     if (wasOpen && putWithCount(line))
         return;
     // A sink that has failed may have lost its file, so the second attempt has a new one.
     if ((wasOpen || mayOpen()) && open() && putWithCount(line))
         return;
-    ++dropped_;
+    ++m_dropped;
 }
 
-void LogFile::abandon() noexcept { static_cast<void>(sink_.release()); }
+void LogFile::abandon() noexcept { static_cast<void>(m_sink.release()); }
 
 bool LogFile::putWithCount(std::string_view line) noexcept {
-    if (dropped_ > 0) {
+    if (m_dropped > 0) {
         LogText notice;
         appendColumns(notice, warning, L"VorraneLog");
         notice.appendAscii("Lines dropped before this one: ");
-        notice.appendNumber(static_cast<long long>(dropped_));
+        notice.appendNumber(static_cast<long long>(m_dropped));
         if (!put(notice.view()))
             return false;
-        dropped_ = 0;
+        m_dropped = 0;
     }
     return put(line);
 }
 
 bool LogFile::put(std::string_view line) noexcept {
     try {
-        sink_->write(line);
+        m_sink->write(line);
         return true;
     } catch (std::bad_alloc const&) {
         // The file is well, there is only no room for this line: no reason to pause.
     } catch (std::exception const&) {
-        isRotationBlocked_ = sink_->isRotationBlocked();
+        m_isRotationBlocked = m_sink->isRotationBlocked();
         pause();
     }
-    sink_.reset();
+    m_sink.reset();
     return false;
 }
 
-void LogFile::pause() noexcept { nextAttempt_ = GetTickCount64() + limits_.pause; }
+void LogFile::pause() noexcept { m_nextAttempt = GetTickCount64() + m_limits.pause; }
 
-bool LogFile::mayOpen() const noexcept { return GetTickCount64() >= nextAttempt_; }
+bool LogFile::mayOpen() const noexcept { return GetTickCount64() >= m_nextAttempt; }
 
 bool LogFile::open() noexcept {
     try {
@@ -201,17 +201,17 @@ bool LogFile::open() noexcept {
 }
 
 bool LogFile::openOneOfAll() {
-    if (name_.empty() || !ensureFolder(folder_))
+    if (m_name.empty() || !ensureFolder(m_folder))
         return false;
-    if (reservation_.isHeld() && openSink(reservedPath_))
+    if (m_reservation.isHeld() && openSink(m_reservedPath))
         return true;
     for (int number = 1; number <= mostProcesses; ++number) {
-        auto const name = numbered(name_, number);
-        FileReservation reservation(folder_, withOldFiles(name, limits_.oldFiles));
-        auto path = folder_ + L'\\' + name;
+        auto const name = numbered(m_name, number);
+        FileReservation reservation(m_folder, withOldFiles(name, m_limits.oldFiles));
+        auto path = m_folder + L'\\' + name;
         if (reservation.isHeld() && openSink(path)) {
-            reservation_ = std::move(reservation);
-            reservedPath_ = std::move(path);
+            m_reservation = std::move(reservation);
+            m_reservedPath = std::move(path);
             return true;
         }
     }
@@ -222,9 +222,9 @@ bool LogFile::openSink(std::wstring const& path) {
     std::size_t size = 0;
     if (!probe(path, size))
         return false;
-    auto const bytes = isRotationBlocked_ ? size + limits_.bytes : limits_.bytes;
-    sink_ = std::make_unique<Sink>(path, bytes, limits_.oldFiles);
-    isRotationBlocked_ = false;
+    auto const bytes = m_isRotationBlocked ? size + m_limits.bytes : m_limits.bytes;
+    m_sink = std::make_unique<Sink>(path, bytes, m_limits.oldFiles);
+    m_isRotationBlocked = false;
     return true;
 }
 

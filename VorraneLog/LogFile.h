@@ -50,16 +50,16 @@ class LogFile {
     bool openOneOfAll();
     bool openSink(std::wstring const& path);
 
-    std::wstring folder_;
-    std::wstring name_;
-    Limits limits_;
+    std::wstring m_folder;
+    std::wstring m_name;
+    Limits m_limits;
 
-    FileReservation reservation_;
-    std::wstring reservedPath_;
-    std::unique_ptr<Sink> sink_;
-    bool isRotationBlocked_ = false;
-    std::uint64_t nextAttempt_ = 0;
-    unsigned long long dropped_ = 0;
+    FileReservation m_reservation;
+    std::wstring m_reservedPath;
+    std::unique_ptr<Sink> m_sink;
+    bool m_isRotationBlocked = false;
+    std::uint64_t m_nextAttempt = 0;
+    unsigned long long m_dropped = 0;
 };
 
 } // namespace VorraneLog

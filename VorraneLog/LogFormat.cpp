@@ -32,7 +32,7 @@ struct Directive {
 // Reads one directive, from behind its percent sign on.
 class DirectiveReader {
   public:
-    explicit DirectiveReader(std::wstring_view text) : text_(text) {}
+    explicit DirectiveReader(std::wstring_view text) : m_text(text) {}
 
     // Nothing if the directive is not one that is understood; consumed() then ends before the
     // character that made it so.
@@ -44,13 +44,13 @@ class DirectiveReader {
         if (skip(L"."))
             directive.precision = readNumber();
         directive.length = readLength();
-        if (text_.empty() || !isUnderstood(directive.length, text_[0]))
+        if (m_text.empty() || !isUnderstood(directive.length, m_text[0]))
             return std::nullopt;
         directive.conversion = take();
         return directive;
     }
 
-    std::wstring_view rest() const { return text_; }
+    std::wstring_view rest() const { return m_text; }
 
   private:
     static bool isUnderstood(Length length, wchar_t conversion) {
@@ -77,7 +77,7 @@ class DirectiveReader {
     // The decimal number that stands next, 0 if there is none; kept from overflowing.
     std::size_t readNumber() {
         std::size_t number = 0;
-        while (!text_.empty() && text_[0] >= L'0' && text_[0] <= L'9')
+        while (!m_text.empty() && m_text[0] >= L'0' && m_text[0] <= L'9')
             number = std::min(number * 10 + static_cast<std::size_t>(take() - L'0'), longestText);
         return number;
     }
@@ -91,46 +91,46 @@ class DirectiveReader {
     }
 
     bool skip(std::wstring_view expected) {
-        if (text_.substr(0, expected.size()) != expected)
+        if (m_text.substr(0, expected.size()) != expected)
             return false;
-        text_.remove_prefix(expected.size());
+        m_text.remove_prefix(expected.size());
         return true;
     }
 
     wchar_t take() {
-        wchar_t const taken = text_[0];
-        text_.remove_prefix(1);
+        wchar_t const taken = m_text[0];
+        m_text.remove_prefix(1);
         return taken;
     }
 
-    std::wstring_view text_;
+    std::wstring_view m_text;
 };
 
 // The values behind a format, or what happens to be in their place on the stack. On this platform
 // they stand in one row of slots, eight bytes each.
 class Values {
   public:
-    explicit Values(std::va_list values) noexcept : next_(values) {}
+    explicit Values(std::va_list values) noexcept : m_next(values) {}
 
     // 0 where the stack ends before the format does.
     std::uint64_t next() noexcept {
         std::uint64_t value = 0;
-        if (!isProven_) {
-            isProven_ = true;
-            left_ = readableBytes(next_, mostDirectives * sizeof value);
+        if (!m_isProven) {
+            m_isProven = true;
+            m_left = readableBytes(m_next, mostDirectives * sizeof value);
         }
-        if (left_ < sizeof value)
+        if (m_left < sizeof value)
             return 0;
-        std::memcpy(&value, next_, sizeof value);
-        next_ += sizeof value;
-        left_ -= sizeof value;
+        std::memcpy(&value, m_next, sizeof value);
+        m_next += sizeof value;
+        m_left -= sizeof value;
         return value;
     }
 
   private:
-    char const* next_;
-    std::size_t left_ = 0;
-    bool isProven_ = false;
+    char const* m_next;
+    std::size_t m_left = 0;
+    bool m_isProven = false;
 };
 
 // Appends something `size` characters long, with blanks up to the width.
@@ -197,20 +197,20 @@ class Digits {
         bool const isHexadecimal = directive.conversion == L'x' || directive.conversion == L'X';
         auto const end =
             std::to_chars(
-                digits_.data(), digits_.data() + digits_.size(), value, isHexadecimal ? 16 : 10)
+                m_digits.data(), m_digits.data() + m_digits.size(), value, isHexadecimal ? 16 : 10)
                 .ptr;
-        size_ = static_cast<std::size_t>(end - digits_.data());
+        m_size = static_cast<std::size_t>(end - m_digits.data());
         if (directive.conversion == L'X')
-            std::transform(digits_.data(), end, digits_.data(), [](char digit) {
+            std::transform(m_digits.data(), end, m_digits.data(), [](char digit) {
                 return digit >= 'a' ? static_cast<char>(digit - 'a' + 'A') : digit;
             });
     }
 
-    std::string_view view() const { return {digits_.data(), size_}; }
+    std::string_view view() const { return {m_digits.data(), m_size}; }
 
   private:
-    std::array<char, std::numeric_limits<std::uint64_t>::digits10 + 1> digits_{};
-    std::size_t size_ = 0;
+    std::array<char, std::numeric_limits<std::uint64_t>::digits10 + 1> m_digits{};
+    std::size_t m_size = 0;
 };
 
 // The zeros in front of the digits: up to the precision, or else to the width if the flag says so.

@@ -40,7 +40,7 @@ char32_t takeCodePoint(std::wstring_view& text) {
 } // namespace
 
 void LogText::append(std::wstring_view text) noexcept {
-    while (!text.empty() && !isCut_) {
+    while (!text.empty() && !m_isCut) {
         std::array<char, 128> run;
         std::size_t length = 0;
         while (length < run.size() && length < text.size() && isPlain(text[length])) {
@@ -57,15 +57,15 @@ void LogText::append(std::wstring_view text) noexcept {
 void LogText::appendAscii(std::string_view text) noexcept { appendBytes(text); }
 
 void LogText::appendBytes(std::string_view text) noexcept {
-    if (isCut_ || text.empty())
+    if (m_isCut || text.empty())
         return;
-    auto const needed = size_ + text.size() + cutMark.size();
-    if (needed > mostBytes || (needed > capacity_ && !grow(needed))) {
+    auto const needed = m_size + text.size() + cutMark.size();
+    if (needed > mostBytes || (needed > m_capacity && !grow(needed))) {
         cut();
         return;
     }
-    std::memcpy(bytes() + size_, text.data(), text.size());
-    size_ += text.size();
+    std::memcpy(bytes() + m_size, text.data(), text.size());
+    m_size += text.size();
 }
 
 void LogText::appendNumber(long long number) noexcept {
@@ -75,7 +75,7 @@ void LogText::appendNumber(long long number) noexcept {
 }
 
 void LogText::appendRepeated(char character, std::size_t count) noexcept {
-    for (; count > 0 && !isCut_; --count)
+    for (; count > 0 && !m_isCut; --count)
         appendAscii({&character, 1});
 }
 
@@ -110,23 +110,23 @@ void LogText::appendVisibly(char32_t control) noexcept {
 // The plain C functions: where the heap is exhausted this runtime may end the process as it
 // raises bad_alloc.
 bool LogText::grow(std::size_t needed) noexcept {
-    auto const capacity = std::max(needed, 2 * capacity_);
-    auto* const memory = static_cast<char*>(std::realloc(grown_.get(), capacity));
+    auto const capacity = std::max(needed, 2 * m_capacity);
+    auto* const memory = static_cast<char*>(std::realloc(m_grown.get(), capacity));
     if (memory == nullptr)
         return false;
-    if (!grown_)
-        std::memcpy(memory, inside_.data(), size_);
-    static_cast<void>(grown_.release());
-    grown_.reset(memory);
-    capacity_ = capacity;
+    if (!m_grown)
+        std::memcpy(memory, m_inside.data(), m_size);
+    static_cast<void>(m_grown.release());
+    m_grown.reset(memory);
+    m_capacity = capacity;
     return true;
 }
 
 // Room for the mark is always kept.
 void LogText::cut() noexcept {
-    isCut_ = true;
-    std::memcpy(bytes() + size_, cutMark.data(), cutMark.size());
-    size_ += cutMark.size();
+    m_isCut = true;
+    std::memcpy(bytes() + m_size, cutMark.data(), cutMark.size());
+    m_size += cutMark.size();
 }
 
 } // namespace VorraneLog

@@ -29,7 +29,7 @@ class LogText {
     void appendNumber(long long number) noexcept;
     void appendRepeated(char character, std::size_t count) noexcept;
 
-    std::string_view view() const noexcept { return {bytes(), size_}; }
+    std::string_view view() const noexcept { return {bytes(), m_size}; }
 
   private:
     void appendBytes(std::string_view text) noexcept;
@@ -38,18 +38,18 @@ class LogText {
     bool grow(std::size_t needed) noexcept;
     void cut() noexcept;
 
-    char const* bytes() const noexcept { return grown_ ? grown_.get() : inside_.data(); }
-    char* bytes() noexcept { return grown_ ? grown_.get() : inside_.data(); }
+    char const* bytes() const noexcept { return m_grown ? m_grown.get() : m_inside.data(); }
+    char* bytes() noexcept { return m_grown ? m_grown.get() : m_inside.data(); }
 
     struct Release {
         void operator()(char* memory) const noexcept { std::free(memory); }
     };
 
-    std::array<char, 1024> inside_;
-    std::unique_ptr<char, Release> grown_;
-    std::size_t capacity_ = sizeof inside_;
-    std::size_t size_ = 0;
-    bool isCut_ = false;
+    std::array<char, 1024> m_inside;
+    std::unique_ptr<char, Release> m_grown;
+    std::size_t m_capacity = sizeof m_inside;
+    std::size_t m_size = 0;
+    bool m_isCut = false;
 };
 
 } // namespace VorraneLog

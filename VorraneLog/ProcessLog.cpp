@@ -46,28 +46,28 @@ ProcessLog* ProcessLog::instance() noexcept {
 }
 
 ProcessLog::ProcessLog(LogConfiguration const& configuration, LogFile::Limits const& limits)
-    : level_(configuration.level),
-      file_(configuration.file, limits),
-      lock_(CreateMutexW(nullptr, FALSE, nullptr)) {}
+    : m_level(configuration.level),
+      m_file(configuration.file, limits),
+      m_lock(CreateMutexW(nullptr, FALSE, nullptr)) {}
 
-bool ProcessLog::wants(char level) const noexcept { return withinLevels(level) <= level_; }
+bool ProcessLog::wants(char level) const noexcept { return withinLevels(level) <= m_level; }
 
 void ProcessLog::write(std::string_view line) noexcept {
-    auto const waited = WaitForSingleObject(lock_.get(), INFINITE);
+    auto const waited = WaitForSingleObject(m_lock.get(), INFINITE);
     if (waited == WAIT_ABANDONED) {
-        file_.abandon();
-        isWriting_ = false;
+        m_file.abandon();
+        m_isWriting = false;
     } else if (waited != WAIT_OBJECT_0) {
         return;
     }
     // The system lets the owner in twice: something that writing calls may log in its turn, and
     // must not find the file half-way through a line.
-    if (!isWriting_) {
-        isWriting_ = true;
-        file_.write(line);
-        isWriting_ = false;
+    if (!m_isWriting) {
+        m_isWriting = true;
+        m_file.write(line);
+        m_isWriting = false;
     }
-    ReleaseMutex(lock_.get());
+    ReleaseMutex(m_lock.get());
 }
 
 } // namespace VorraneLog

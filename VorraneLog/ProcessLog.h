@@ -25,12 +25,12 @@ class ProcessLog {
     void write(std::string_view line) noexcept;
 
   private:
-    char level_;
-    LogFile file_;
-    bool isWriting_ = false;
+    char m_level;
+    LogFile m_file;
+    bool m_isWriting = false;
     // A mutex of the system rather than of the runtime: it tells when its owner was killed, and can
     // be taken on, be it in the life of the process or at its end, when the other threads are gone.
-    Handle lock_;
+    Handle m_lock;
 };
 
 } // namespace VorraneLog

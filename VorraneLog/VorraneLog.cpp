@@ -18,13 +18,13 @@ class KeptErrors {
     KeptErrors& operator=(KeptErrors const&) = delete;
 
     ~KeptErrors() {
-        errno = number_;
-        SetLastError(error_);
+        errno = m_number;
+        SetLastError(m_error);
     }
 
   private:
-    DWORD error_ = GetLastError();
-    int number_ = errno;
+    DWORD m_error = GetLastError();
+    int m_number = errno;
 };
 
 struct Origin {

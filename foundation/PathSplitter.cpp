@@ -12,6 +12,10 @@ using namespace vrUtils::Strings;
 // Separators may still be of either kind here; they become backslashes where the parts are
 // assembled.
 struct PathSplitter::RawParts {
+    void settleExtension(bool isFile);
+    void settleDrive(std::wstring_view source);
+    void settleRoot();
+
     std::wstring_view root;
     std::wstring_view drive;
     std::wstring_view dir;
@@ -45,9 +49,9 @@ wchar_t* copyTo(wchar_t* out, std::wstring_view text) {
 PathSplitter::PathSplitter(std::wstring const& text, bool isFile) {
     auto const source = upToZero(text);
     auto parts = _splitpath(source);
-    settleExtension(parts, isFile);
-    settleDrive(parts, source);
-    settleRoot(parts);
+    parts.settleExtension(isFile);
+    parts.settleDrive(source);
+    parts.settleRoot();
     assemble(parts);
 }
 
@@ -82,44 +86,44 @@ PathSplitter::RawParts PathSplitter::_splitpath(std::wstring_view text) {
     return parts;
 }
 
-void PathSplitter::settleExtension(RawParts& parts, bool isFile) {
+void PathSplitter::RawParts::settleExtension(bool isFile) {
     // Only a stream can bring a second dot along: the extension begins at the last one.
-    if (isFile && !parts.ext.empty()) {
-        auto const lastDot = parts.ext.rfind(L'.');
-        parts.name = joined(parts.name, parts.ext.substr(0, lastDot));
-        parts.ext.remove_prefix(lastDot);
+    if (isFile && !ext.empty()) {
+        auto const lastDot = ext.rfind(L'.');
+        name = joined(name, ext.substr(0, lastDot));
+        ext.remove_prefix(lastDot);
     }
     // A dot in a folder's name is no extension, and neither is a dot alone.
-    if (!isFile || parts.ext == L".") {
-        parts.name = parts.ext.empty() ? parts.name : joined(parts.name, parts.ext);
-        parts.ext = {};
+    if (!isFile || ext == L".") {
+        name = ext.empty() ? name : joined(name, ext);
+        ext = {};
     }
 }
 
 // Without a separator behind the colon a path is relative to the drive's current folder, and the
 // letter becomes text like any other.
-void PathSplitter::settleDrive(RawParts& parts, std::wstring_view source) {
-    if (parts.drive.empty())
+void PathSplitter::RawParts::settleDrive(std::wstring_view source) {
+    if (drive.empty())
         return;
     auto const behindColon = source.find(L':') + 1;
     if (behindColon < source.size() && !isSlash(source[behindColon])) {
-        parts.dir = joined(parts.drive, parts.dir);
-        parts.drive = {};
+        dir = joined(drive, dir);
+        drive = {};
     }
 }
 
-void PathSplitter::settleRoot(RawParts& parts) {
-    bool const isHostAlone = parts.drive.empty() && parts.dir.size() == 2 &&
-                             isSlashPair(parts.dir) && !parts.name.empty() && parts.ext.empty();
+void PathSplitter::RawParts::settleRoot() {
+    bool const isHostAlone =
+        drive.empty() && dir.size() == 2 && isSlashPair(dir) && !name.empty() && ext.empty();
     if (isHostAlone) {
-        parts.root = joined(parts.dir, parts.name);
-        parts.dir = {};
-        parts.name = {};
-    } else if (isSlashPair(parts.dir)) {
-        auto const hostEnd = 2 + findSlash(parts.dir.substr(2));
-        if (hostEnd < parts.dir.size()) {
-            parts.root = parts.dir.substr(0, hostEnd);
-            parts.dir.remove_prefix(hostEnd);
+        root = joined(dir, name);
+        dir = {};
+        name = {};
+    } else if (isSlashPair(dir)) {
+        auto const hostEnd = 2 + findSlash(dir.substr(2));
+        if (hostEnd < dir.size()) {
+            root = dir.substr(0, hostEnd);
+            dir.remove_prefix(hostEnd);
         }
     }
 }

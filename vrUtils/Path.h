@@ -186,9 +186,6 @@ class VRUTILS_API PathSplitter {
 
     struct RawParts;
     static RawParts _splitpath(std::wstring_view text);
-    static void settleExtension(RawParts& parts, bool isFile);
-    static void settleDrive(RawParts& parts, std::wstring_view source);
-    static void settleRoot(RawParts& parts);
     void assemble(RawParts const& parts);
 
     std::wstring_view part(std::size_t begin, std::size_t end) const;

@@ -28,26 +28,31 @@ wine_prefix_make() {
 
 # wine_session_start: an X server and a Wine server that live until this script ends, and one idle
 # program. The platform's own background programs start with the first program and end with the last;
-# started by a test they would keep the test's output open long after it has ended.
+# started by a test they would keep the test's output open long after it has ended. One session at a
+# time has the prefix; programs that were started by hand end with its beginning.
 wine_session_start() {
+    exec {prefix_lock}>"$WINEPREFIX.lock"
+    flock --nonblock "$prefix_lock" || { say "waiting for the Wine prefix"; flock "$prefix_lock"; }
     wine_prefix_make
+    "$wineserver_program" -k 2>/dev/null && "$wineserver_program" -w
+
     trap wine_session_end EXIT
     exec {display_pipe}<> <(:)
-    Xvfb -displayfd "$display_pipe" -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 &
+    Xvfb -displayfd "$display_pipe" -screen 0 1280x1024x24 -nolisten tcp >/dev/null 2>&1 {prefix_lock}>&- &
     xvfb_pid=$!
     read -r -t 30 -u "$display_pipe" display_number || fail "the X server did not start"
     export DISPLAY=:$display_number
-    "$wineserver_program" -f -p >/dev/null 2>&1 &
+
+    "$wineserver_program" -f -p >/dev/null 2>&1 {prefix_lock}>&- &
     wineserver_pid=$!
-    exec {idle_pipe}<> <(:)
-    "$wine_program" cmd <&"$idle_pipe" >/dev/null 2>&1 &
-    idle_pid=$!
+    { tail --pid=$$ -f /dev/null | "$wine_program" cmd; } >/dev/null 2>&1 {prefix_lock}>&- &
     "$wine_program" cmd /c exit </dev/null >/dev/null 2>&1
 }
 
-# The Wine server's normal end writes the registry to disk; a kill would lose it.
+# Asked to end, the Wine server ends all programs and writes the registry to disk; killed, it would
+# lose that and leave the programs behind.
 wine_session_end() {
-    kill "$idle_pid" 2>/dev/null && wait "$idle_pid" 2>/dev/null || true
-    kill "$wineserver_pid" 2>/dev/null && wait "$wineserver_pid" 2>/dev/null || true
-    kill "$xvfb_pid" 2>/dev/null && wait "$xvfb_pid" 2>/dev/null || true
+    "$wineserver_program" -k 2>/dev/null || true
+    wait "$wineserver_pid" 2>/dev/null || true
+    kill "$xvfb_pid" 2>/dev/null || true
 }

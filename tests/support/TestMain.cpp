@@ -21,14 +21,20 @@ LONG WINAPI endAtFatalException(EXCEPTION_POINTERS* exception) {
     return EXCEPTION_EXECUTE_HANDLER;
 }
 
-// The first throw of a process opens handles that stay, and so does what the test framework first
-// keeps for a thread; tests that count handles start after both.
+// The library's function that only throws, by the name under which the DLL exports it.
+constexpr char throwingExport[] = "_ZN7vrUtils15throwUnsetValueEv";
+
+// The first throw of each module opens handles that stay, and so does what the test framework first
+// keeps for a thread; tests that count handles start after all of them.
 void openLastingHandles() {
     try {
+        auto const library = GetModuleHandleW(L"vrUtils.dll");
+        if (auto const throwing = library ? GetProcAddress(library, throwingExport) : nullptr)
+            throwing();
         throw 0;
-    } catch (int) {
+    } catch (...) {
+        SCOPED_TRACE("");
     }
-    SCOPED_TRACE("");
 }
 
 } // namespace
