@@ -9,7 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <optional>
 #include <string>
 #include <type_traits>
 #include <vector>
