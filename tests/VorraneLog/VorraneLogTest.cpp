@@ -173,6 +173,15 @@ TEST(VorraneLog, DefaultFileBearsTheNameOfTheProgram) {
     EXPECT_THAT(bytes, HasSubstr("\t" + text + "\r\n"));
 }
 
+TEST(VorraneLog, PathOfTheFileMayBeLong) {
+    test::ScratchFolder const folder;
+    auto const file = std::wstring(150, L'f') + L'\\' + std::wstring(150, L'n') + L".log";
+
+    ASSERT_EQ(0U, logFormats.start({L"text"}, loggingTo(folder.file(file)))->exitCode());
+
+    EXPECT_THAT(test::logLines(folder.read(file)), SizeIs(1));
+}
+
 TEST(VorraneLog, FileNameMayHoldUmlautsAndPercentSigns) {
     test::ScratchFolder const folder;
     std::wstring const name = L"\u00DCbertragung \u0416 %s\\\u00C4rger \U0001F3AC.log";
