@@ -9,7 +9,6 @@
 #include "tools/vrtool/Platform.h"
 #include "tools/vrtool/TextTable.h"
 #include "tools/vrtool/Utf8.h"
-#include "vrUtils/vrException.h"
 
 #include <algorithm>
 #include <vector>
@@ -36,16 +35,17 @@ std::wstring missing(vr::Path const& path, DWORD error) {
     return L"cannot reach " + name + L": error " + std::to_wstring(error);
 }
 
-// The inspections of one argument: of the file, or of all files below the folder.
-void inspect(std::wstring const& text, std::vector<Inspection>& inspections) {
+// Adds the inspections of one argument: of the file, or of all files below the folder.
+// @return why it cannot be reached; empty if it can
+std::wstring inspect(std::wstring const& text, std::vector<Inspection>& inspections) {
     vr::Path path(text, vr::Path::eDetect);
     DWORD const attributes = GetFileAttributesW(path.str().c_str());
     DWORD const error = GetLastError();
     if (attributes == INVALID_FILE_ATTRIBUTES)
-        throw vrException(__LINE__, missing(path, error));
+        return missing(path, error);
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
         inspections.push_back(inspectFile(path));
-        return;
+        return {};
     }
 
     for (auto const& file : filesBelow(vr::Path::folder(text))) {
@@ -54,6 +54,7 @@ void inspect(std::wstring const& text, std::vector<Inspection>& inspections) {
         if (!file.failure.empty())
             inspections.back().failure = file.failure;
     }
+    return {};
 }
 
 template <class Number>
@@ -135,10 +136,9 @@ int InspectCommand::run(Console& console) const {
     std::vector<Inspection> inspections;
     bool allReached = true;
     for (auto const& path : CommandLine::valuesOf(*m_paths)) {
-        try {
-            inspect(path, inspections);
-        } catch (vrException const& failure) {
-            console.error("vrtool: " + toUtf8(failure.message()) + '\n');
+        auto const failure = inspect(path, inspections);
+        if (!failure.empty()) {
+            console.error("vrtool: " + toUtf8(failure) + '\n');
             allReached = false;
         }
     }
