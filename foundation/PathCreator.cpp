@@ -14,6 +14,14 @@ namespace {
 // Room that is made for the first piece, so that those joined to it seldom move the text.
 constexpr std::size_t usualLength = 100;
 
+// A terminated text. Pieces are short, and the runtime's own search costs a call.
+std::wstring_view terminated(wchar_t const* text) {
+    auto const* end = text;
+    while (*end != L'\0')
+        ++end;
+    return {text, static_cast<std::size_t>(end - text)};
+}
+
 // Whether the piece stands in the text.
 bool isPartOf(std::wstring const& text, std::wstring_view piece) {
     std::less_equal<> const notBehind;
@@ -96,7 +104,7 @@ PathCreator& PathCreator::append(std::wstring const& piece) {
 }
 
 PathCreator& PathCreator::append(wchar_t const* piece) {
-    join(m_path, piece);
+    join(m_path, terminated(piece));
     return *this;
 }
 

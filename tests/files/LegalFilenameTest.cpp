@@ -153,7 +153,7 @@ TEST(LegalFilename, SourceMayBeOfAnyLength) {
         EXPECT_EQ(std::wstring(length, L'-'), legal(std::wstring(length, L'?')));
 }
 
-TEST(LegalFilename, SecondRunChangesNothing) {
+TEST(LegalFilename, SecondRunOnRandomNamesChangesNothing) {
     test::Campaign campaign(2000);
     while (campaign.nextRound()) {
         std::wstring source(1 + campaign.below(20), L'\0');

@@ -409,8 +409,9 @@ std::wstring joinedByTheRules(std::wstring const& path, std::wstring const& piec
 } // namespace
 
 TEST(PathCreator, AgreesWithTheRulesOnRandomPieces) {
-    RandomText<wchar_t> texts(L"\\\\//ab. ", 1303);
-    for (int round = 0; round < 50000; ++round) {
+    test::Campaign campaign(50000);
+    RandomText<wchar_t> texts(L"\\\\//ab. ", campaign);
+    while (campaign.nextRound()) {
         auto expected = texts.upTo(4);
         auto path = holding(expected);
         for (int pieces = 0; pieces < 3; ++pieces) {

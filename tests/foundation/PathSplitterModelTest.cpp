@@ -49,8 +49,9 @@ TEST(PathSplitterModel, AgreesOnEveryTextOfFourCharacters) {
 }
 
 TEST(PathSplitterModel, AgreesOnRandomShortTexts) {
-    RandomText<wchar_t> texts(alphabet, 1304);
-    for (int round = 0; round < 200000; ++round) {
+    test::Campaign campaign(200000);
+    RandomText<wchar_t> texts(alphabet, campaign);
+    while (campaign.nextRound()) {
         auto const text = texts.upTo(14);
 
         ASSERT_NO_FATAL_FAILURE(expectTheSameParts(text, true));
@@ -59,8 +60,9 @@ TEST(PathSplitterModel, AgreesOnRandomShortTexts) {
 }
 
 TEST(PathSplitterModel, AgreesOnRandomNetworkTexts) {
-    RandomText<wchar_t> texts(L"\\:.a1", 1305);
-    for (int round = 0; round < 50000; ++round) {
+    test::Campaign campaign(50000);
+    RandomText<wchar_t> texts(L"\\:.a1", campaign);
+    while (campaign.nextRound()) {
         auto const text = L"\\\\" + texts.upTo(10);
 
         ASSERT_NO_FATAL_FAILURE(expectTheSameParts(text, true));
@@ -70,8 +72,9 @@ TEST(PathSplitterModel, AgreesOnRandomNetworkTexts) {
 
 // Around the length up to which the text of the parts stands inside the splitter.
 TEST(PathSplitterModel, AgreesOnRandomTextsAroundTheCapacity) {
-    RandomText<wchar_t> texts(L"\\:.aaaaaaaaaaaaaaaaaaa", 1306);
-    for (int round = 0; round < 10000; ++round) {
+    test::Campaign campaign(10000);
+    RandomText<wchar_t> texts(L"\\:.aaaaaaaaaaaaaaaaaaa", campaign);
+    while (campaign.nextRound()) {
         auto const text = texts.between(245, 270);
 
         ASSERT_NO_FATAL_FAILURE(expectTheSameParts(text, true));

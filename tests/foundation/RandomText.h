@@ -1,19 +1,18 @@
 #ifndef TESTS_FOUNDATION_RANDOMTEXT_H
 #define TESTS_FOUNDATION_RANDOMTEXT_H
 
+#include "tests/support/Campaign.h"
+
 #include <cstddef>
-#include <cstdint>
-#include <random>
 #include <string>
 #include <string_view>
 
-// Random texts over a small alphabet. The generator's numbers are used as they come, not through
-// a distribution, so that a seed means the same texts with every standard library.
+// Random texts over a small alphabet, from the random source of a campaign's current round.
 template <typename Character>
 class RandomText {
   public:
-    RandomText(std::basic_string_view<Character> alphabet, std::uint32_t seed)
-        : m_alphabet(alphabet), m_numbers(seed) {}
+    RandomText(std::basic_string_view<Character> alphabet, test::Campaign& campaign)
+        : m_alphabet(alphabet), m_campaign(campaign) {}
 
     // A text of at most that many characters, the empty one included.
     std::basic_string<Character> upTo(std::size_t longest) { return between(0, longest); }
@@ -25,11 +24,11 @@ class RandomText {
         return text;
     }
 
-    std::size_t below(std::size_t limit) { return m_numbers() % limit; }
+    std::size_t below(std::size_t limit) { return m_campaign.below(limit); }
 
   private:
     std::basic_string_view<Character> m_alphabet;
-    std::mt19937 m_numbers;
+    test::Campaign& m_campaign;
 };
 
 #endif

@@ -90,8 +90,9 @@ Lines linesByTheRules(std::wstring copy) {
 } // namespace
 
 TEST(BreakMultiLineString, AgreesWithTheRulesOnRandomTexts) {
-    RandomText<wchar_t> texts(L"\r\n\r\na b", 1201);
-    for (int round = 0; round < 100000; ++round) {
+    test::Campaign campaign(100000);
+    RandomText<wchar_t> texts(L"\r\n\r\na b", campaign);
+    while (campaign.nextRound()) {
         auto const text = texts.upTo(12);
 
         ASSERT_EQ(linesByTheRules(text), BreakMultiLineString(text))
@@ -217,8 +218,9 @@ std::optional<std::string> decoded(std::string const& url) {
 
 TEST(DecodeURL, AgreesWithTheRulesOnRandomTexts) {
     using namespace std::string_view_literals;
-    RandomText<char> texts("%%%%%%%019aAfFgxX +-\t\0\xE9"sv, 1202);
-    for (int round = 0; round < 200000; ++round) {
+    test::Campaign campaign(200000);
+    RandomText<char> texts("%%%%%%%019aAfFgxX +-\t\0\xE9"sv, campaign);
+    while (campaign.nextRound()) {
         auto const url = texts.upTo(10);
 
         ASSERT_EQ(decodedByTheRules(url), decoded(url)) << testing::PrintToString(url);

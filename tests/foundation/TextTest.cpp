@@ -117,8 +117,9 @@ TEST(EqualLowered, LengthsMustAgree) {
 }
 
 TEST(EqualLowered, AgreesWithLoweredTexts) {
-    RandomText<wchar_t> texts(L"aAzZ[@{\u00C9\u00E9", 1203);
-    for (int round = 0; round < 100000; ++round) {
+    test::Campaign campaign(100000);
+    RandomText<wchar_t> texts(L"aAzZ[@{\u00C9\u00E9", campaign);
+    while (campaign.nextRound()) {
         auto const left = texts.upTo(2);
         auto const right = texts.upTo(2);
 
@@ -172,8 +173,9 @@ Pieces piecesByTheRules(std::wstring const& text, wchar_t separator) {
 } // namespace
 
 TEST(SplitOnChar, AgreesWithTheRulesOnRandomTexts) {
-    RandomText<wchar_t> texts(L"::ab", 1204);
-    for (int round = 0; round < 100000; ++round) {
+    test::Campaign campaign(100000);
+    RandomText<wchar_t> texts(L"::ab", campaign);
+    while (campaign.nextRound()) {
         auto const text = texts.upTo(10);
 
         ASSERT_EQ(piecesByTheRules(text, L':'), splitOnChar(text, L':'))

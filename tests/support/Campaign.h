@@ -35,10 +35,9 @@ class Campaign {
 
     std::mt19937& random() { return m_random; }
 
-    // A random whole number from 0 to the limit, the limit left out.
-    std::size_t below(std::size_t limit) {
-        return std::uniform_int_distribution<std::size_t>(0, limit - 1)(m_random);
-    }
+    // A random whole number from 0 to the limit, the limit left out. The generator's numbers are used
+    // as they come, not through a distribution, so that a seed means the same with every library.
+    std::size_t below(std::size_t limit) { return m_random() % limit; }
 
     friend std::ostream& operator<<(std::ostream& stream, Campaign const& campaign) {
         return stream << "in round " << campaign.m_round << " of seed " << campaign.m_seed;

@@ -165,7 +165,7 @@ TEST(TextTable, ShowsLoneSurrogatesAsReplacements) {
     EXPECT_EQ("NAME  BYTES\na\uFFFD        1\n", table.text(noLimit));
 }
 
-TEST(TextTable, KeepsToItsWidthWhateverItsTexts) {
+TEST(TextTable, KeepsToItsWidthWithRandomTexts) {
     std::vector<std::wstring> const pieces{L"a", L"\\", L" ", L"\u65e5", L"\U0001F3AC", L"\u0308"};
     test::Campaign campaign(500);
     while (campaign.nextRound()) {

@@ -19,7 +19,7 @@ bool isSpecial(std::string const& argument) {
     return first == '[' || first == mark || argument == "++";
 }
 
-std::string marked(std::string argument) {
+std::string marked(std::string const& argument) {
     return isSpecial(argument) ? mark + argument : argument;
 }
 

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::size_t headSize = 64 * 1024;
+constexpr std::size_t headSize = 65536;
 
 bool hasExtension(Inspection const& inspection, wchar_t const* extension) {
     return CompareStringOrdinal(inspection.extension.c_str(), -1, extension, -1, TRUE) ==
