@@ -7,6 +7,8 @@ namespace vrUtils {
 
 // Failure codes of the exceptions, in the form of Windows result codes.
 inline constexpr std::uint32_t GeneralFailure = 0x80004005;
+inline constexpr std::uint32_t RegistryValueMissing = 0x8000000C;
+inline constexpr std::uint32_t RegistryAccessFailed = 0x81A06003;
 inline constexpr std::uint32_t AudioTagParsingFailed = 0x80E06025;
 inline constexpr std::uint32_t MalformedUrlEscape = 0x80E0609D;
 inline constexpr std::uint32_t FileNotLocked = 0x80E0609E;

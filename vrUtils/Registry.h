@@ -2,28 +2,20 @@
 #define VRUTILS_REGISTRY_H
 
 /// @file
-/// The settings in the registry.
+/// Settings in the registry: typed values, the settings the library knows by name, and a whole tree
+/// saved to a file and written back.
+///
+/// A key is never simply absent here. Every read and every write opens its key or else makes it, so
+/// that asking for a setting on a fresh machine leaves an empty key behind. The first key made below
+/// "Software\Vorrane\Ostrel" makes that root in the machine's hive too, with an access list that
+/// lets programs under plain user accounts write their settings there later.
+///
+/// Values are read and written one at a time; no key stays open between calls. Nothing is shared
+/// between calls, so they may come from any thread.
 
-#include "vrUtils/vrException.h"
-
-namespace vrUtils::Registry {
-
-/// The registry could not be accessed: code 0x81A06003, source name "vrRegistry", message "Unable
-/// to access registry".
-class VRUTILS_API vrRegistryAccessException : public vrException {
-  public:
-    using vrException::vrException;
-    explicit vrRegistryAccessException(vrException const& failure) : vrException(failure) {}
-};
-
-/// A registry value is missing: code 0x8000000C, source name "vrRegistry", message "Registry value
-/// missing".
-class VRUTILS_API vrRegistryValueMissingException : public vrException {
-  public:
-    using vrException::vrException;
-    explicit vrRegistryValueMissingException(vrException const& failure) : vrException(failure) {}
-};
-
-} // namespace vrUtils::Registry
+#include "vrUtils/Registry/Exceptions.h"
+#include "vrUtils/Registry/RegDumper.h"
+#include "vrUtils/Registry/Settings.h"
+#include "vrUtils/Registry/Values.h"
 
 #endif
