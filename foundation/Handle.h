@@ -74,7 +74,7 @@ struct FileTraits {
     static void close(Value value) noexcept { CloseHandle(value); }
 };
 
-// Events and processes: the calls that make or open them report a failure with null.
+// Events, processes, threads and mutexes: the calls that make or open them report a failure with null.
 struct ObjectTraits {
     using Value = HANDLE;
 
@@ -119,6 +119,7 @@ struct ModuleTraits {
 using FileOwner = Handle<FileTraits>;
 using EventOwner = Handle<ObjectTraits>;
 using ProcessOwner = Handle<ObjectTraits>;
+using ThreadOwner = Handle<ObjectTraits>;
 using FindOwner = Handle<FindTraits>;
 using ServiceOwner = Handle<ServiceTraits>;
 using RegistryOwner = Handle<RegistryTraits>;

@@ -14,5 +14,6 @@
 #include "vrUtils/Files/Exceptions.h"
 #include "vrUtils/Files/FileHandle.h"
 #include "vrUtils/Files/FileQueries.h"
+#include "vrUtils/Files/LockFile.h"
 
 #endif
