@@ -44,10 +44,25 @@ ROWS = {
     "save-1MiB": Row("save 1 MiB", beat={"ofstream": 1}, within={"limit": 1.1}),
     "save-256MiB": Row("save 256 MiB", beat={"ofstream": 1}, within={"limit": 1.1}),
     "exists": Row("a file exists", beat={"std": 1, "boost": 1, "poco": 1}, within={"limit": 1.05}),
+    "registry-read-text": Row("registry text read", beat={"poco": 1}, within={"limit": 1.1}),
+    "registry-read-number": Row("registry number read", beat={"poco": 1}, within={"limit": 1.1}),
+    "registry-write-text": Row("registry text written", beat={"poco": 1}, within={"limit": 1.1}),
+    "registry-write-number": Row("registry number written",
+                                 beat={"poco": 1}, within={"limit": 1.1}),
+    "registry-dump-100": Row("registry tree of 100 values saved", beat={"reg-export": 1}),
+    "registry-dump-1000": Row("registry tree of 1,000 values saved", beat={"reg-export": 1}),
+    "registry-dump-10000": Row("registry tree of 10,000 values saved", beat={"reg-export": 1}),
+    "registry-restore-100": Row("registry tree of 100 values restored", within={"limit": 2}),
+    "registry-restore-1000": Row("registry tree of 1,000 values restored", within={"limit": 2}),
+    "registry-restore-10000": Row("registry tree of 10,000 values restored", within={"limit": 2}),
 }
 
 # Operations whose cost must keep step with the size of the input.
-SCALING = [("lines-1Mi", "lines-16Mi", "16 times the text", 22)]
+SCALING = [
+    ("lines-1Mi", "lines-16Mi", "16 times the text", 22),
+    ("registry-dump-1000", "registry-dump-10000", "10 times the values", 13),
+    ("registry-restore-1000", "registry-restore-10000", "10 times the values", 13),
+]
 
 HEADER = ("operation", "candidate", "median", "least", "greatest", "to ours", "to reach", "reached")
 NANOSECONDS = {"ns": 1, "us": 1e3, "ms": 1e6, "s": 1e9}
