@@ -7,8 +7,9 @@ namespace vrUtils::CmdLineProcessor {
 
 namespace {
 
-constexpr wchar_t separators[] = L"\t ";
 constexpr wchar_t quote = L'"';
+
+bool isSeparator(wchar_t character) { return character == L'\t' || character == L' '; }
 
 } // namespace
 
@@ -29,23 +30,26 @@ bool Processor::_getNextParamFromCmdLine(
     std::wstring const& commandLine, std::uint64_t* position, std::wstring* parameter) {
     if (*position >= commandLine.size())
         return false;
-    auto start = commandLine.find_first_not_of(separators, *position);
-    if (start == std::wstring::npos)
+    auto const begin = commandLine.begin();
+    auto const textEnd = commandLine.end();
+    auto start =
+        std::find_if_not(begin + static_cast<std::ptrdiff_t>(*position), textEnd, isSeparator);
+    if (start == textEnd)
         return false;
 
-    std::size_t end;
-    if (commandLine[start] != quote) {
-        end = std::min(commandLine.find_first_of(separators, start), commandLine.size());
+    auto end = textEnd;
+    if (*start != quote) {
+        end = std::find_if(start, textEnd, isSeparator);
     } else {
         ++start;
-        end = commandLine.find(quote, start);
-        if (end == std::wstring::npos)
+        end = std::find(start, textEnd, quote);
+        if (end == textEnd)
             throw BadCommandLineException(L"Mismatched quotes in Command Line");
     }
 
-    // Behind the quote or separator: a quoted parameter needs no separator behind it.
-    *position = end + 1;
-    parameter->assign(commandLine, start, end - start);
+    // Right behind the quote or separator: a quoted parameter needs no separator behind it.
+    *position = static_cast<std::uint64_t>(end - begin) + 1;
+    parameter->assign(start, end);
     return true;
 }
 

@@ -55,11 +55,21 @@ ROWS = {
     "registry-restore-100": Row("registry tree of 100 values restored", within={"limit": 2}),
     "registry-restore-1000": Row("registry tree of 1,000 values restored", within={"limit": 2}),
     "registry-restore-10000": Row("registry tree of 10,000 values restored", within={"limit": 2}),
+    "process-start": Row("program started and waited for",
+                         beat={"poco": 2.3}, within={"limit": 1.05}),
+    "worker": Row("worker started, stopped, joined", beat={"std": 1}, within={"limit": 1.05}),
+    "wake": Row("worker woken, answer awaited", within={"limit": 1.05}),
+    "lock": Row("file locked and released", beat={"boost": 1}, within={"limit": 1.25}),
+    "command-line": Row("command line of 7 parameters split",
+                        beat={"CommandLineToArgvW": 1.4}, within={"hand": 1.3}),
+    "command-line-64Ki": Row("command line of 64 Ki characters split", within={"hand": 1.3}),
+    "command-line-1Mi": Row("command line of 1 Mi characters split", within={"hand": 1.3}),
 }
 
 # Operations whose cost must keep step with the size of the input.
 SCALING = [
     ("lines-1Mi", "lines-16Mi", "16 times the text", 22),
+    ("command-line-64Ki", "command-line-1Mi", "16 times the text", 24),
     ("registry-dump-1000", "registry-dump-10000", "10 times the values", 13),
     ("registry-restore-1000", "registry-restore-10000", "10 times the values", 13),
 ]

@@ -1,0 +1,3 @@
+// The least program that can be started.
+
+int main() { return 0; }
