@@ -1,23 +1,22 @@
 #include "config/TypedValues.h"
 
 #include "foundation/FailureCodes.h"
+#include "foundation/RegistryText.h"
 #include "vrUtils/Registry/Exceptions.h"
 
-#include <memory>
+#include <utility>
 
 namespace vrUtils::Registry {
 
 namespace {
 
-// Terminator included.
-constexpr DWORD longestString = 2048;
+// In bytes, terminator included.
+constexpr std::size_t longestString = 4096;
 
 [[noreturn]] void throwValueMissing(std::uint32_t line) {
     throw vrRegistryValueMissingException(
         "vrRegistry", line, L"Registry value missing", RegistryValueMissing);
 }
-
-BYTE* bytesOf(void* buffer) { return static_cast<BYTE*>(buffer); }
 
 } // namespace
 
@@ -26,28 +25,18 @@ std::uint32_t ReadDWORD(RegistryKey const& key, std::wstring const& name) {
     DWORD value = 0;
     DWORD length = sizeof value;
     DWORD type = REG_NONE;
-    auto const error =
-        RegQueryValueExW(key.get(), name.c_str(), nullptr, &type, bytesOf(&value), &length);
+    auto const error = RegQueryValueExW(
+        key.get(), name.c_str(), nullptr, &type, reinterpret_cast<BYTE*>(&value), &length);
     if (error != ERROR_SUCCESS || type != REG_DWORD)
         throwValueMissing(__LINE__);
     return value;
 }
 
 std::wstring ReadString(RegistryKey const& key, std::wstring const& name) {
-    // Not filled with zeros, unlike any container's.
-    std::unique_ptr<wchar_t[]> const text(new wchar_t[longestString]);
-    DWORD length = longestString * sizeof(wchar_t);
-    DWORD type = REG_NONE;
-    auto const error =
-        RegQueryValueExW(key.get(), name.c_str(), nullptr, &type, bytesOf(text.get()), &length);
-    if (error != ERROR_SUCCESS || (type != REG_SZ && type != REG_EXPAND_SZ))
+    auto text = readRegistryText(key.get(), name, longestString);
+    if (!text)
         throwValueMissing(__LINE__);
-
-    if (length == 0)
-        return {};
-    if (length % sizeof(wchar_t) != 0 || text[length / sizeof(wchar_t) - 1] != L'\0')
-        throwValueMissing(__LINE__);
-    return text.get();
+    return *std::move(text);
 }
 
 long WriteBytes(

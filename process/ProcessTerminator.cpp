@@ -1,5 +1,6 @@
 #include "vrUtils/ProcessWatchdog.h"
 
+#include "foundation/Debugger.h"
 #include "foundation/FailureCodes.h"
 #include "foundation/Handle.h"
 #include "foundation/Log.h"
@@ -14,11 +15,6 @@ namespace {
 constexpr char sourceName[] = "Process";
 constexpr wchar_t logSource[] = L"Process";
 constexpr std::uint32_t stopTimeoutMs = 1000;
-
-void breakIntoDebugger() {
-    if (IsDebuggerPresent())
-        DebugBreak();
-}
 
 } // namespace
 

@@ -15,5 +15,7 @@
 #include "vrUtils/Files/FileHandle.h"
 #include "vrUtils/Files/FileQueries.h"
 #include "vrUtils/Files/LockFile.h"
+#include "vrUtils/Files/MachineIdentity.h"
+#include "vrUtils/Files/UncToLocalPath.h"
 
 #endif

@@ -8,6 +8,7 @@
 #include "vrUtils/Crashing.h"
 #include "vrUtils/Files.h"
 #include "vrUtils/Host.h"
+#include "vrUtils/Instancing.h"
 #include "vrUtils/KeyValue.h"
 #include "vrUtils/OstrelServer.h"
 #include "vrUtils/Parsing.h"
