@@ -9,8 +9,10 @@ namespace vrUtils::Files {
 
 // The folders of a network path without its share, each followed by a backslash.
 inline std::wstring foldersBelowShare(vr::PathSplitter const& parts) {
-    auto const& folders = parts.folders();
-    return folders.empty() ? std::wstring() : parts.folderText().substr(folders.front().size() + 1);
+    auto text = parts.folderText();
+    if (!parts.folders().empty())
+        text.erase(0, parts.folders().front().size() + 1);
+    return text;
 }
 
 } // namespace vrUtils::Files

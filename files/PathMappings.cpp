@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <list>
 #include <mutex>
-#include <string>
+#include <utility>
 
 namespace vrUtils::Files {
 
@@ -13,37 +13,33 @@ namespace {
 
 constexpr std::size_t rowsThatStay = 32;
 
+// Both in normal form, so that a search parses nothing; the network root in lower case.
 struct PathMapping {
-    // In lower case.
     std::wstring uncRoot;
-    vr::Path localRoot;
+    std::wstring localRoot;
 };
 
 std::list<PathMapping> pathMappings;
 std::mutex pathMappingsLock;
 
-std::wstring keyOf(vr::Path const& uncRoot) {
-    return Strings::toLower(uncRoot.components().wholePath());
-}
-
 } // namespace
 
 void addPathMapping(vr::Path const& localRoot, vr::Path const& uncRoot) {
-    PathMapping row{keyOf(uncRoot), localRoot};
+    PathMapping row{
+        Strings::toLower(uncRoot.components().wholePath()), localRoot.components().wholePath()};
     std::lock_guard const guard(pathMappingsLock);
     if (pathMappings.size() > rowsThatStay)
         pathMappings.pop_front();
     pathMappings.push_back(std::move(row));
 }
 
-vr::Path findPathMapping(vr::Path const& uncRoot) {
-    auto const key = keyOf(uncRoot);
+std::wstring findPathMapping(std::wstring const& uncRoot) {
     std::lock_guard const guard(pathMappingsLock);
     auto const row =
         std::find_if(pathMappings.begin(), pathMappings.end(), [&](PathMapping const& candidate) {
-            return candidate.uncRoot == key;
+            return candidate.uncRoot == uncRoot;
         });
-    return row == pathMappings.end() ? vr::Path() : row->localRoot;
+    return row == pathMappings.end() ? std::wstring() : row->localRoot;
 }
 
 } // namespace vrUtils::Files

@@ -3,6 +3,8 @@
 
 #include "vrUtils/Path.h"
 
+#include <string>
+
 namespace vrUtils::Files {
 
 // The table of network shares and the local folders behind them, one for the process. It holds 33
@@ -10,9 +12,9 @@ namespace vrUtils::Files {
 
 void addPathMapping(vr::Path const& localRoot, vr::Path const& uncRoot);
 
-// The local root of the oldest row for this network root, without regard to case; the empty path if
-// there is none.
-vr::Path findPathMapping(vr::Path const& uncRoot);
+// The local root of the oldest row for this network root; empty if there is none.
+// @param uncRoot in normal form and lower case
+std::wstring findPathMapping(std::wstring const& uncRoot);
 
 } // namespace vrUtils::Files
 

@@ -25,8 +25,8 @@ std::atomic<bool> driveMappingsLoaded{false};
 std::set<std::wstring> loggedResolutions;
 std::mutex loggedResolutionsLock;
 
-bool isNewResolution(vr::Path const& uncRoot, vr::Path const& result) {
-    auto key = uncRoot.components().wholePath() + L'\3' + result.components().wholePath();
+bool isNewResolution(std::wstring const& uncRoot, vr::Path const& result) {
+    auto key = uncRoot + L'\3' + result.components().wholePath();
     std::lock_guard const guard(loggedResolutionsLock);
     return loggedResolutions.insert(std::move(key)).second;
 }
@@ -67,12 +67,20 @@ class ShareInformation {
     unsigned long m_error;
 };
 
+// A file in a folder whose text ends in a backslash or is empty.
+vr::Path fileIn(std::wstring folder, std::wstring const& name) {
+    // A name without a colon means the same to every parse, and needs none of its own.
+    if (name.find(L':') == std::wstring::npos)
+        return vr::Path::file(folder.append(name));
+    auto path = vr::Path::folder(folder);
+    path += vr::Path::file(name);
+    return path;
+}
+
 vr::Path resolvedByTable(
-    vr::Path const& path, vr::Path const& uncRoot, std::wstring const& localRoot,
-    std::wstring const& rest, std::wstring const& fileName) {
-    auto const filePart =
-        fileName.empty() ? vr::Path(fileName, vr::Path::eDetect) : vr::Path::file(fileName);
-    auto result = vr::Path(localRoot + rest, vr::Path::eDetect) + filePart;
+    vr::Path const& path, std::wstring const& uncRoot, std::wstring folder,
+    std::wstring const& fileName) {
+    auto result = fileName.empty() ? vr::Path::folder(folder) : fileIn(std::move(folder), fileName);
     if (isNewResolution(uncRoot, result))
         VL_WriteLog(
             LogLevel::information, logModule,
@@ -82,25 +90,25 @@ vr::Path resolvedByTable(
 }
 
 vr::Path resolvedByShare(
-    vr::Path const& path, vr::Path const& uncRoot, ShareInformation const& share,
+    vr::Path const& path, std::wstring const& uncRoot, ShareInformation const& share,
     std::wstring const& rest, std::wstring const& fileName) {
     if (share.error() != NERR_Success) {
         VL_WriteLog(
             LogLevel::trace, logModule,
-            L"uncToLocalPath: NetShareGetInfo failed on \"%s\" - error %ld",
-            uncRoot.components().wholePath().c_str(), share.error());
+            L"uncToLocalPath: NetShareGetInfo failed on \"%s\" - error %ld", uncRoot.c_str(),
+            share.error());
         return path;
     }
 
     auto const base = share.folder();
-    addPathMapping(vr::Path(base, vr::Path::eDetect), uncRoot);
+    addPathMapping(vr::Path(base, vr::Path::eDetect), vr::Path::folder(uncRoot));
     // A file even without a name, unlike what the table gives: callers have always had it so.
-    auto result = vr::Path::folder(base + rest) + vr::Path::file(fileName);
+    auto result = fileIn(base + rest, fileName);
     if (isNewResolution(uncRoot, result))
         VL_WriteLog(
             LogLevel::change, logModule,
             L"uncToLocalPath: NetShareGetInfo resolved UNC \"%s\" to local path \"%s\"",
-            uncRoot.components().wholePath().c_str(), result.components().wholePath().c_str());
+            uncRoot.c_str(), result.components().wholePath().c_str());
     return result;
 }
 
@@ -108,24 +116,27 @@ vr::Path resolvedByShare(
 
 vr::Path uncToLocalPath(vr::Path const& path) {
     auto const& parts = path.components();
-    auto const machine = Strings::toLower(parts.root());
-    auto const share = Strings::toLower(parts.firstFolder());
-    auto const fileName = parts.fullName();
+    auto const share = parts.firstFolder();
     auto const rest = foldersBelowShare(parts);
+    auto const fileName = parts.fullName();
 
     loadDriveMappingsOnce();
-    if (machine.empty() || share.empty())
+    // No share, or no machine that could have one.
+    if (share.empty())
         return path;
 
-    auto const uncRoot = vr::Path::folder(machine + share);
-    auto const localRoot = findPathMapping(uncRoot).components().wholePath();
+    // Parts of a parse, and so in normal form.
+    auto const uncRoot = Strings::toLower(parts.root() + share);
+    auto localRoot = findPathMapping(uncRoot);
     if (!localRoot.empty())
-        return resolvedByTable(path, uncRoot, localRoot, rest, fileName);
+        return resolvedByTable(path, uncRoot, localRoot.append(rest), fileName);
 
     if (!isPathToThisMachine(vr::Path(parts.wholePath(), vr::Path::eDetect)))
         return path;
 
-    ShareInformation const information(Strings::trimSlashes(machine), Strings::trimSlashes(share));
+    ShareInformation const information(
+        Strings::trimSlashes(Strings::toLower(parts.root())),
+        Strings::trimSlashes(Strings::toLower(share)));
     return resolvedByShare(path, uncRoot, information, rest, fileName);
 }
 
