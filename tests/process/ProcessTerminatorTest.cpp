@@ -34,8 +34,8 @@ namespace {
 
 using LineMatcher = Matcher<test::LogLine const&>;
 
-// No process has ever had this id: ids are multiples of four, and small.
-constexpr std::uint32_t nobody = 0x7FFFFFFC;
+// No process has ever had this id, and no other process of these tests watches it.
+std::uint32_t const nobody = 0x7F000000 + GetCurrentProcessId();
 
 // A grace period that no test is to use up, and the same in milliseconds.
 constexpr std::uint32_t longGrace = 1000;
@@ -191,7 +191,7 @@ TEST(ProcessTerminator, MakesItsStopEventAndItsNamedEvent) {
 
     ProcessTerminator const terminator(nobody, 0);
 
-    EXPECT_THAT(names, ElementsAre(L"(none)", L"terminate_2147483644"));
+    EXPECT_THAT(names, ElementsAre(L"(none)", eventNameOf(nobody)));
     EXPECT_THAT(
         flags, ElementsAre(ElementsAre(TRUE, FALSE, FALSE), ElementsAre(FALSE, FALSE, FALSE)));
 }
@@ -752,6 +752,27 @@ TEST(ProcessTerminator, DestructorStopsBeforeItClosesItsEvent) {
                            Call{"SetEvent", stop}, Call{"WaitForSingleObject", starts.last(), 1000},
                            Call{"CloseHandle", starts.last()}, Call{"CloseHandle", trigger},
                            Call{"CloseHandle", stop}));
+}
+
+TEST(ProcessTerminator, DestructorKillsAThreadThatHangsInTheKill) {
+    auto const inTheKill = newEvent();
+    test::ImportHook<HANDLE(DWORD, BOOL, DWORD)> const opens(
+        "OpenProcess", [&](DWORD, BOOL, DWORD) -> HANDLE {
+            SetEvent(inTheKill.get());
+            for (;;)
+                Sleep(INFINITE);
+        });
+    ThreadStarts const starts;
+    test::LogRecorder const recorder;
+    auto terminator = std::make_unique<ProcessTerminator>(nobody, 0);
+    terminator->RequestTermination();
+    ASSERT_TRUE(becomesSignalled(inTheKill.get()));
+    auto const thread = secondHandleTo(starts.last());
+
+    terminator.reset();
+
+    EXPECT_TRUE(becomesSignalled(thread.get()));
+    EXPECT_THAT(recorder.lines(), ElementsAre(started(nobody), waiting(nobody)));
 }
 
 TEST(ProcessTerminator, SaysThatItsEventCouldNotBeClosed) {

@@ -24,7 +24,7 @@ using vrUtils::Threads::Threaded;
 namespace {
 
 // A stop timeout that no test is to use up.
-constexpr std::uint32_t longTime = 60000;
+constexpr std::uint32_t longTime = 20000;
 
 // A worker whose body the test gives.
 class Worker : public Threaded {
@@ -594,7 +594,7 @@ TEST(Threaded, RestartedBodyFindsTheStopEventStillSignalled) {
     worker.StartThread();
 
     EXPECT_EQ(2u, starts.count());
-    EXPECT_TRUE(worker.join(INFINITE));
+    EXPECT_TRUE(worker.join(longTime));
     EXPECT_TRUE(isSignalled(worker.stopEvent()));
 }
 
