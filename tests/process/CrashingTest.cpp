@@ -14,6 +14,7 @@
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
+#include <ostream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -187,6 +188,8 @@ TEST_F(Crashing, PointStaysPrimedWhenTheProcessDoesNotEnd) {
 
 TEST_F(Crashing, FailedAllocationChangesNothing) {
     std::wstring const point(100, L'P');
+    // The lock takes memory of its own when it is first used.
+    shouldCrash(point);
 
     auto const failed = test::failEachAllocation([&] {
         try {
@@ -202,19 +205,30 @@ TEST_F(Crashing, FailedAllocationChangesNothing) {
     defuseCrash(point);
 }
 
-class CrashingAllocation : public testing::TestWithParam<void (*)(std::wstring const&)> {};
+struct NamedCall {
+    char const* name;
+    void (*call)(std::wstring const&);
+
+    friend std::ostream& operator<<(std::ostream& stream, NamedCall const& named) {
+        return stream << named.name;
+    }
+};
+
+class CrashingAllocation : public testing::TestWithParam<NamedCall> {};
 
 INSTANTIATE_TEST_SUITE_P(
     , CrashingAllocation,
-    testing::Values(defuseCrash, crashIfRequired, [](std::wstring const& name) {
-        shouldCrash(name);
-    }));
+    testing::Values(
+        NamedCall{"Defuse", defuseCrash}, NamedCall{"CrashIfRequired", crashIfRequired},
+        NamedCall{"Should", [](std::wstring const& name) { shouldCrash(name); }}),
+    [](auto const& tested) { return std::string(tested.param.name); });
 
 TEST_P(CrashingAllocation, FailureComesOutAndTheLockIsFree) {
     test::LogRecorder const recorder;
     std::wstring const point(100, L'P');
+    shouldCrash(point);
 
-    EXPECT_GT(test::failEachAllocation([&] { GetParam()(point); }), 0u);
+    EXPECT_GT(test::failEachAllocation([&] { GetParam().call(point); }), 0u);
 
     EXPECT_FALSE(shouldCrash(point));
 }

@@ -147,6 +147,8 @@ TEST(ProcessStatus, ReadersDoNotWaitForAWriter) {
 }
 
 TEST(ProcessStatus, WritersWaitForOneAnother) {
+    // The lock takes memory of its own when it is first used.
+    ProcessStatus::status(L"before");
     std::future<void> second;
     {
         StoppedWriter const writer;

@@ -10,6 +10,7 @@
 #include "tests/support/ImportHook.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/OwnedHandle.h"
+#include "tests/support/WideText.h"
 
 #include <gmock/gmock.h>
 
@@ -549,13 +550,14 @@ TEST(ProcessTerminator, BreaksIntoNoDebuggerOnTheOtherResult) {
     EXPECT_EQ(0u, debugger.breaks());
 }
 
-class ProcessTerminatorWait : public testing::TestWithParam<std::pair<DWORD, wchar_t const*>> {};
+class ProcessTerminatorWait : public testing::TestWithParam<std::pair<DWORD, std::wstring>> {};
 
 INSTANTIATE_TEST_SUITE_P(
     , ProcessTerminatorWait,
     testing::Values(
         std::pair(2, L"2"), std::pair(WAIT_ABANDONED, L"80"), std::pair(WAIT_TIMEOUT, L"102"),
-        std::pair(WAIT_FAILED, L"ffffffff")));
+        std::pair(WAIT_FAILED, L"ffffffff")),
+    [](auto const& tested) { return test::utf8(tested.param.second); });
 
 TEST_P(ProcessTerminatorWait, UnexpectedReturnEndsTheWatch) {
     EventWait const wait("WaitForMultipleObjects", GetParam().first, 6);
@@ -701,13 +703,15 @@ TEST(ProcessTerminator, WatchesNothingWithoutAStopEvent) {
 }
 
 TEST(ProcessTerminator, WatchesNothingWhereNoThreadCanBeStarted) {
-    test::FailingImport<decltype(_beginthreadex)> const hook("_beginthreadex", 0, 12);
     test::LogRecorder const recorder;
+    { ProcessTerminator const first(nobody, 0); }
+    test::FailingImport<decltype(_beginthreadex)> const hook("_beginthreadex", 0, 12);
     test::HandleLeakCheck const check;
 
     EXPECT_TRUE(ProcessTerminator(nobody, 0).RequestTerminationAndWait());
 
-    EXPECT_THAT(recorder.lines(), ElementsAre());
+    EXPECT_EQ(1u, hook.calls());
+    EXPECT_EQ(4u, recorder.lines().size());
 }
 
 TEST(ProcessTerminator, TellsWhyItCannotSignal) {
