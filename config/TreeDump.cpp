@@ -55,7 +55,10 @@ void TreeDump::writeValues(RegistryKey const& key) {
         if (error == ERROR_NO_MORE_ITEMS)
             return;
 
-        m_line.assign(1, L'"').append(m_name.data()).append(L"\"=").append(typePrefix(type));
+        // With an error the name need not end.
+        auto const nameEnd = std::find(m_name.begin(), m_name.end(), L'\0');
+        m_line.assign(1, L'"').append(m_name.begin(), nameEnd);
+        m_line.append(L"\"=").append(typePrefix(type));
         // With an error the length is that of data which did not arrive.
         if (error == ERROR_SUCCESS)
             appendData(type, length);
