@@ -28,8 +28,7 @@ wchar_t const* typePrefix(DWORD type) {
 // Appends a number, with zeros in front up to the width.
 void append(std::wstring& text, std::uint32_t number, int base, std::size_t width) {
     std::array<char, 10> digits;
-    auto* const end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), number, base).ptr;
+    auto* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number, base).ptr;
     auto const count = static_cast<std::size_t>(end - digits.data());
     text.append(width - std::min(width, count), L'0');
     text.append(digits.data(), end);
