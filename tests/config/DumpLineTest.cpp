@@ -1,7 +1,10 @@
 #include "config/DumpLine.h"
 
+#include "tests/support/WideText.h"
+
 #include <gtest/gtest.h>
 
+#include <ostream>
 #include <stdexcept>
 
 using vrUtils::Registry::decodeHex;
@@ -16,6 +19,8 @@ struct Split {
     std::wstring data;
 };
 
+void PrintTo(Split const& split, std::ostream* stream) { *stream << test::utf8(split.line); }
+
 class DumpLineParts : public testing::TestWithParam<Split> {};
 
 using Bytes = std::vector<unsigned char>;
@@ -24,6 +29,8 @@ struct Decoded {
     std::wstring text;
     Bytes bytes;
 };
+
+void PrintTo(Decoded const& decoded, std::ostream* stream) { *stream << test::utf8(decoded.text); }
 
 class DecodedHex : public testing::TestWithParam<Decoded> {};
 

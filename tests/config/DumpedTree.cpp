@@ -3,6 +3,8 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/WideText.h"
 
+#include <gtest/gtest.h>
+
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -19,6 +21,10 @@ std::string replaced(std::string text, std::string const& from, std::string cons
 }
 
 } // namespace
+
+void PrintTo(RegistryValue const& value, std::ostream* stream) {
+    *stream << "type " << value.type << " of bytes " << testing::PrintToString(value.data);
+}
 
 std::string sampleFile(std::string const& name) {
     std::ifstream file(

@@ -14,9 +14,13 @@
 #include "tests/support/ScratchKey.h"
 
 #include <cstdint>
+#include <ostream>
 #include <string>
 
 namespace test {
+
+// What a failed test shows of a value.
+void PrintTo(RegistryValue const& value, std::ostream* stream);
 
 // What stands for the tree's root in the sample files of tests/data/registry.
 inline constexpr char sampleRoot[] = "HKEY_CURRENT_USER\\Software\\Sample";
