@@ -60,6 +60,18 @@ std::string DumpedTree::onDisk(std::string const& lines) const {
     return replaced(replaced(lines, "\n", "\r\r\n"), "ROOT", narrowRoot());
 }
 
+DWORD DumpedTree::count(DWORD Counts::*member) const {
+    HKEY root = nullptr;
+    if (RegOpenKeyExW(key.hive(), key.path().c_str(), 0, KEY_READ, &root) != ERROR_SUCCESS)
+        throw std::runtime_error("the tree does not open");
+    Counts counts;
+    RegQueryInfoKeyW(
+        root, nullptr, nullptr, nullptr, &counts.subkeys, nullptr, nullptr, &counts.values, nullptr,
+        nullptr, nullptr, nullptr);
+    RegCloseKey(root);
+    return counts.*member;
+}
+
 std::string DumpedTree::narrowRoot() const { return utf8(root()); }
 
 } // namespace test

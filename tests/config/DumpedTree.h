@@ -59,6 +59,14 @@ class DumpedTree {
     // Makes a file of the root's section with these lines, and restores it.
     std::int32_t restoreLines(std::string const& lines) const;
 
+    // How many values there are directly in the root.
+    DWORD values() const { return count(&Counts::values); }
+
+    // How many keys there are directly below the root.
+    DWORD subkeys() const { return count(&Counts::subkeys); }
+
+    bool isEmpty() const { return values() == 0 && subkeys() == 0; }
+
     // Removes all values and subkeys.
     void wipe() const;
 
@@ -71,6 +79,12 @@ class DumpedTree {
     static constexpr wchar_t fileName[] = L"tree.reg";
 
   private:
+    struct Counts {
+        DWORD values = 0;
+        DWORD subkeys = 0;
+    };
+
+    DWORD count(DWORD Counts::*member) const;
     std::string narrowRoot() const;
 };
 
