@@ -111,6 +111,7 @@ SeenAttributes seen(SECURITY_ATTRIBUTES const& attributes) {
     result.descriptor = attributes.lpSecurityDescriptor;
     SECURITY_DESCRIPTOR_CONTROL control = 0;
     result.isSound =
+        result.descriptor &&
         GetSecurityDescriptorControl(result.descriptor, &control, &result.revision) &&
         GetSecurityDescriptorDacl(
             result.descriptor, &result.listPresent, &result.list, &result.listDefaulted);

@@ -10,20 +10,21 @@ namespace test {
 
 namespace {
 
-// A path that no key has, even where a process of this id has left its keys behind.
-std::wstring unusedPath(HKEY hive) {
+// A path that no key has in either hive, even where a process of this id has left its keys behind.
+std::wstring unusedPath() {
     static std::atomic<unsigned> number{0};
     auto const stem = L"Software\\vrUtilsTests\\" + std::to_wstring(GetCurrentProcessId()) + L"-";
     for (;;) {
         auto path = stem + std::to_wstring(++number);
-        if (!RegistryPlace(hive, path).exists())
+        if (!RegistryPlace(HKEY_CURRENT_USER, path).exists() &&
+            !RegistryPlace(HKEY_LOCAL_MACHINE, path).exists())
             return path;
     }
 }
 
 } // namespace
 
-ScratchKey::ScratchKey(HKEY hive) : RegistryPlace(hive, unusedPath(hive)) { makeKey(); }
+ScratchKey::ScratchKey(HKEY hive) : RegistryPlace(hive, unusedPath()) { makeKey(); }
 
 ScratchKey::~ScratchKey() {
     LSTATUS const status = remove();
