@@ -40,6 +40,8 @@ bool beginsWith(std::wstring_view text, std::wstring_view beginning) {
     return text.substr(0, beginning.size()) == beginning;
 }
 
+bool isBlank(wchar_t unit) { return unit == L' ' || unit == L'\t'; }
+
 bool isQuoted(std::wstring_view text) {
     return text.size() >= 2 && text.front() == L'"' && text.back() == L'"';
 }
@@ -163,6 +165,8 @@ class Surveyor {
             return lose(L"an empty header: the lines below it are not read");
 
         ++m_survey.keys;
+        if (isBlank(name.front()) || isBlank(name.back()))
+            lose(L"blanks at the ends of the name are lost, and the lines below it");
         judgePlace(name);
         judgeCharacters();
         m_headersUnits += name.size() + 1;

@@ -7,7 +7,7 @@
 
 void TreeArguments::declare(CLI::App& arguments) {
     m_key = arguments.add_option("KEY")->required();
-    m_key->description("The tree's root: HKCU\\... or HKLM\\..., or their long names");
+    m_key->description("The tree's root, below HKCU or HKLM, or their long names");
     m_file = arguments.add_option("FILE")->required()->description("The dump file");
     arguments.final_callback([this] {
         try {
