@@ -2,6 +2,7 @@
 #include "foundation/Platform.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/HandleCount.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/OwnedHandle.h"
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/WideText.h"
@@ -68,6 +69,21 @@ TEST(VrtoolChildRun, BringsArgumentsThroughAsTheyAre) {
 
 TEST(VrtoolChildRun, EndsAProgramAtTheLimit) {
     EXPECT_EQ(std::nullopt, runWithin(50ms, program, {L"sleep"}));
+}
+
+TEST(VrtoolChildRun, EndsAProgramThatCannotBeInAJob) {
+    test::OwnedHandle child;
+    test::ImportHook const refuses(
+        "AssignProcessToJobObject",
+        [&](HANDLE, HANDLE process) -> BOOL {
+            child.reset(OpenProcess(SYNCHRONIZE, FALSE, GetProcessId(process)));
+            return FALSE;
+        },
+        test::thisProgram());
+
+    EXPECT_EQ(std::nullopt, runWithin(50ms, program, {L"sleep"}));
+
+    EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(child.get(), 0));
 }
 
 TEST(VrtoolChildRun, LeavesNoHandleOpen) {

@@ -98,6 +98,13 @@ INSTANTIATE_TEST_SUITE_P(
         Entry{
             "NothingBehindTheEqualsSign", R"("n"=)",
             "nothing behind the equals sign: the restore ends here", Fate::ended},
+        Entry{
+            "ListOfTwo",
+            R"("n"=hex(7):6a,00,00,00,6b,00,00,00,00,00)",
+            "",
+            Fate::kept,
+            REG_MULTI_SZ,
+            {0x6A, 0, 0, 0, 0x6B, 0, 0, 0, 0, 0}},
         Entry{"NoEqualsSign", R"("n")", "no equals sign: ignored", Fate::missing},
         Entry{
             "TextWithHex", R"("n"="hexagon")", "a text that holds \"hex\": not restored",
