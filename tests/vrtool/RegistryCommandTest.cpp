@@ -91,18 +91,23 @@ class ChangeOf {
 
 // The process that another one has started; null if there is none.
 test::OwnedHandle childOf(std::uint32_t parent) {
+    constexpr DWORD access = SYNCHRONIZE | PROCESS_TERMINATE;
     test::OwnedHandle const snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
     PROCESSENTRY32W entry{};
     entry.dwSize = sizeof entry;
     for (BOOL found = Process32FirstW(snapshot.get(), &entry); found;
          found = Process32NextW(snapshot.get(), &entry))
         if (entry.th32ParentProcessID == parent)
-            return test::OwnedHandle(OpenProcess(SYNCHRONIZE, FALSE, entry.th32ProcessID));
+            return test::OwnedHandle(OpenProcess(access, FALSE, entry.th32ProcessID));
     return nullptr;
 }
 
-bool hasEnded(test::OwnedHandle const& process) {
-    return WaitForSingleObject(process.get(), 20000) == WAIT_OBJECT_0;
+// Whether a process ends; if it does not, it is ended, since it would never do so by itself.
+bool ends(test::OwnedHandle const& process) {
+    bool const hasEnded = WaitForSingleObject(process.get(), 20000) == WAIT_OBJECT_0;
+    if (!hasEnded)
+        TerminateProcess(process.get(), 99);
+    return hasEnded;
 }
 
 // A key below the machine's hive that goes with the object.
@@ -383,7 +388,7 @@ TEST_F(VrtoolRegistry, EndsARestoreThatNeverEndsAtItsLimit) {
         "vrtool: the restore did not end within 2 seconds and was stopped; what was restored by "
         "then stays\n",
         tool.output());
-    EXPECT_TRUE(hasEnded(child));
+    EXPECT_TRUE(ends(child));
     EXPECT_EQ(1u, key.getNumber(L"begun"));
 }
 
@@ -399,7 +404,7 @@ TEST_F(VrtoolRegistry, TakesTheRestoreAlongWhenItIsEndedItself) {
 
     tool.kill();
 
-    EXPECT_TRUE(hasEnded(child));
+    EXPECT_TRUE(ends(child));
 }
 
 TEST_F(VrtoolRegistry, WaitsWithoutALimitForAKeyThatIsRefused) {

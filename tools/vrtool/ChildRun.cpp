@@ -41,6 +41,11 @@ OwnedHandle forChild(DWORD stream) {
     return OwnedHandle(inherited);
 }
 
+bool isConsole(OwnedHandle const& stream) {
+    DWORD mode = 0;
+    return GetConsoleMode(stream.get(), &mode) != 0;
+}
+
 // Ends its programs when the last handle is closed, by whatever end of this program.
 OwnedHandle endingJob() {
     OwnedHandle job(CreateJobObjectW(nullptr, nullptr));
@@ -62,10 +67,14 @@ OwnedHandle start(std::wstring const& program, std::wstring line, HANDLE job) {
     startup.hStdOutput = output.get();
     startup.hStdError = error.get();
 
+    // Without a console to share, it must not get one of its own, whose host would keep the outputs
+    // open longer than the program.
+    bool const sharesConsole = isConsole(input) || isConsole(output) || isConsole(error);
+    DWORD const flags = CREATE_SUSPENDED | (sharesConsole ? 0 : DETACHED_PROCESS);
     PROCESS_INFORMATION process;
     BOOL const started = CreateProcessW(
-        program.c_str(), line.data(), nullptr, nullptr, TRUE, CREATE_SUSPENDED, nullptr, nullptr,
-        &startup, &process);
+        program.c_str(), line.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr, &startup,
+        &process);
     DWORD const startError = GetLastError();
     if (!started)
         fail(startError, "cannot start a program");
