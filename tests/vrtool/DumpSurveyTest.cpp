@@ -414,8 +414,9 @@ TEST_F(VrtoolSurveyOfLongFiles, HaveALimitForTheirHeaders) {
         rest -= keyHeader(subkey).size() - 2;
     };
     auto const prefix = keyHeader("\\").size() - 2;
-    for (int number = 100; rest > 3 * prefix; ++number)
-        add('\\' + std::to_string(number));
+    int number = 100;
+    while (rest > 3 * prefix)
+        add('\\' + std::to_string(number++));
     auto const room = rest - prefix;
     auto const fits = content + keyHeader('\\' + std::string(room, 'z')) + "\"a\"=\"b\"\n";
     auto const cut = content + keyHeader('\\' + std::string(room + 2, 'y')) + "\"a\"=\"b\"\n";

@@ -30,7 +30,7 @@ Example:
 // dump.
 // @return why the file cannot be written over; empty if it can or is not there
 std::wstring whyNotOverwritten(std::wstring const& file) {
-    HANDLE const opened = CreateFileW(
+    auto* const opened = CreateFileW(
         file.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
         FILE_ATTRIBUTE_NORMAL, nullptr);
     DWORD const error = GetLastError();
