@@ -58,21 +58,25 @@ std::int32_t endBadlyWhilePolled(test::Campaign& campaign) {
 }
 
 std::int32_t timeOut(test::Campaign&) {
-    return execute(ExternalProcess(L"name", test::noTimeAtAll, L"Campaign"), {L"sleep"});
+    return execute(
+        ExternalProcess(L"name", test::noTimeAtAll, L"Campaign"), {L"into", L"NUL", L"sleep"});
 }
 
 std::int32_t timeOutWhilePolled(test::Campaign&) {
     PatientCallback callback(static_cast<std::size_t>(-1));
-    return execute(ExternalProcess(L"name", test::noTimeAtAll, L"", &callback, 1), {L"sleep"});
+    return execute(
+        ExternalProcess(L"name", test::noTimeAtAll, L"", &callback, 1),
+        {L"into", L"NUL", L"sleep"});
 }
 
 std::int32_t cancel(test::Campaign& campaign) {
     PatientCallback callback(campaign.below(4));
-    return execute(ExternalProcess(L"name", 0, L"Campaign", &callback, 0), {L"sleep"});
+    return execute(
+        ExternalProcess(L"name", 0, L"Campaign", &callback, 0), {L"into", L"NUL", L"sleep"});
 }
 
 std::int32_t doNotWait(test::Campaign&) {
-    return execute(ExternalProcess(L"name", L"Campaign"), {L"sleep"});
+    return execute(ExternalProcess(L"name", L"Campaign"), {L"into", L"NUL", L"sleep"});
 }
 
 std::int32_t failToStart(test::Campaign&) {

@@ -85,7 +85,9 @@ INSTANTIATE_TEST_SUITE_P(
 // An event that a program waits for before it ends.
 class ExternalProcessRunsOn : public testing::Test {
   protected:
-    void addWaitingChild(ExternalProcess& process) { test::addChild(process, {L"wait", m_name}); }
+    void addWaitingChild(ExternalProcess& process) {
+        test::addChild(process, {L"into", L"NUL", L"wait", m_name});
+    }
 
     // Whether the program runs until it is allowed to end, and then ends by itself.
     testing::AssertionResult runsToItsOwnEnd() {
