@@ -173,3 +173,17 @@ TEST(ExternalProcessAllocation, EverythingIsReleasedAfterARun) {
     EXPECT_GT(counter.allocations(), 0u);
     EXPECT_EQ(counter.allocations(), counter.releases());
 }
+
+TEST(ExternalProcessAllocation, AssignedObjectsReleaseEachProgramOnce) {
+    test::AllocationCounter const counter;
+    {
+        ExternalProcess first(L"a name of some length", 1, L"a module of some length");
+        ExternalProcess second(L"another name of some length", L"another module of some length");
+        first.SetWorkingDirectory(L"C:\\a folder with a long name");
+        first = second;
+        second = first;
+    }
+
+    EXPECT_GT(counter.allocations(), 0u);
+    EXPECT_EQ(counter.allocations(), counter.releases());
+}

@@ -289,6 +289,12 @@ TEST_F(ExternalProcessChild, SeesTheVariablesInOrder) {
         variables, testing::ElementsAre("VRUTILS_A=1", "VRUTILS_C=2", "VRUTILS_a=", "VRUTILS_b=3"));
 }
 
+TEST_F(ExternalProcessChild, IsFoundBesideThisProgram) {
+    m_process.addRawArg(L"child_program exit 0");
+
+    EXPECT_EQ(0, m_process.Execute());
+}
+
 TEST_F(ExternalProcessChild, FailsWhereThereIsNoProgram) {
     ExternalProcess process(L"name", 20, L"Module");
     process.addArg(L"vrUtilsTests-no-such-program");

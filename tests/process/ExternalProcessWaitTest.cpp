@@ -291,6 +291,25 @@ TEST_F(ExternalProcessWait, SumOfTheIntervalsWraps) {
     EXPECT_EQ(100u, m_watcher.questions);
 }
 
+TEST_F(ExternalProcessWait, CallbackIsAskedOnTheThreadOfTheCaller) {
+    class Threads : public ExternalProcessCallback {
+      public:
+        void OnPoll() override { ids.push_back(GetCurrentThreadId()); }
+
+        bool ShouldCancel() override {
+            ids.push_back(GetCurrentThreadId());
+            return false;
+        }
+
+        std::vector<DWORD> ids;
+    } threads;
+    outlive(1);
+
+    EXPECT_EQ(0, ExternalProcess(L"name", 0, L"", &threads, 250).Execute());
+
+    EXPECT_THAT(threads.ids, ElementsAre(GetCurrentThreadId(), GetCurrentThreadId()));
+}
+
 TEST_F(ExternalProcessWait, ExceptionOfTheQuestionReachesTheCaller) {
     outlive(10);
     m_watcher.throwsOnQuestion = true;

@@ -9,8 +9,10 @@ namespace {
 
 OwnedService openManager() {
     OwnedService manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_ALL_ACCESS));
-    if (!manager)
-        throw platformFailure(GetLastError(), "cannot open the service manager");
+    if (!manager) {
+        DWORD const error = GetLastError();
+        throw platformFailure(error, "cannot open the service manager");
+    }
     return manager;
 }
 
@@ -23,8 +25,10 @@ SERVICE_STATUS_PROCESS statusOf(SC_HANDLE service) {
     DWORD size = 0;
     if (!QueryServiceStatusEx(
             service, SC_STATUS_PROCESS_INFO, reinterpret_cast<BYTE*>(&status), sizeof status,
-            &size))
-        throw platformFailure(GetLastError(), "cannot ask a service");
+            &size)) {
+        DWORD const error = GetLastError();
+        throw platformFailure(error, "cannot ask a service");
+    }
     return status;
 }
 
@@ -46,19 +50,28 @@ ScratchService::ScratchService(std::wstring name, ServiceStart const& start)
 
     auto const line = quoted(besideTestProgram(L"service_program.exe")) + L' ' + quoted(m_name) +
                       (start.isSlow ? L" slow" : L"");
+    auto const manager = openManager();
     m_service.reset(CreateServiceW(
-        openManager().get(), m_name.c_str(), nullptr, SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS,
+        manager.get(), m_name.c_str(), nullptr, SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS,
         start.type, SERVICE_ERROR_NORMAL, line.c_str(), nullptr, nullptr, nullptr,
         start.account.empty() ? nullptr : start.account.c_str(), nullptr));
-    if (!m_service)
-        throw platformFailure(GetLastError(), "cannot make the service " + utf8(m_name));
+    if (!m_service) {
+        DWORD const error = GetLastError();
+        throw platformFailure(error, "cannot make the service " + utf8(m_name));
+    }
 }
 
 ScratchService::~ScratchService() { remove(); }
 
+void ScratchService::start() {
+    if (!StartServiceW(m_service.get(), 0, nullptr)) {
+        DWORD const error = GetLastError();
+        throw platformFailure(error, "cannot start the service " + utf8(m_name));
+    }
+}
+
 void ScratchService::run() {
-    if (!StartServiceW(m_service.get(), 0, nullptr))
-        throw platformFailure(GetLastError(), "cannot start the service " + utf8(m_name));
+    start();
     waitUntil(L"running");
 }
 

@@ -5,7 +5,7 @@
 // object:
 //
 //     test::ScratchService service(L"OstrelSync");
-//     StartServiceW(...);
+//     StartSyncService();
 //     service.waitUntil(L"running");
 //
 // The service manager belongs to the whole machine: a test program that uses this locks `services`.
@@ -46,6 +46,9 @@ class ScratchService {
     ScratchService(ScratchService const&) = delete;
     ScratchService& operator=(ScratchService const&) = delete;
     ~ScratchService();
+
+    // Hands it to the service manager to be started.
+    void start();
 
     // Starts it and waits until it runs.
     void run();
