@@ -231,7 +231,7 @@ TEST(Identity, BinaryPathIsAskedForWithRoomFor260Characters) {
     HMODULE asked = nullptr;
     DWORD room = 0;
     // A path that fills the buffer has no terminator.
-    std::wstring const path = L"C:\\folder\\" + std::wstring(250, L'x');
+    std::wstring const path = L"C:\\" + std::wstring(256, L'x') + L"\\";
     test::ImportHook const hook(
         "GetModuleFileNameW", [&](HMODULE module, wchar_t* buffer, DWORD size) -> DWORD {
             asked = module;
@@ -240,7 +240,7 @@ TEST(Identity, BinaryPathIsAskedForWithRoomFor260Characters) {
             return 260;
         });
 
-    EXPECT_EQ(L"C:\\folder\\", GetOstrelBinaryPath());
+    EXPECT_EQ(path, GetOstrelBinaryPath());
 
     EXPECT_EQ(GetModuleHandleW(nullptr), asked);
     EXPECT_EQ(260u, room);

@@ -44,7 +44,7 @@ class StartedPrograms {
     DWORD exitCode() const {
         hasEnded(static_cast<DWORD>(std::chrono::milliseconds(ceiling).count()));
         DWORD code = STILL_ACTIVE;
-        GetExitCodeProcess(m_processes.back().get(), &code);
+        GetExitCodeProcess(last(), &code);
         return code;
     }
 
@@ -58,8 +58,11 @@ class StartedPrograms {
     }
 
   private:
+    // Throws std::out_of_range if nothing was started.
+    HANDLE last() const { return m_processes.at(m_processes.size() - 1).get(); }
+
     bool hasEnded(DWORD milliseconds) const {
-        return WaitForSingleObject(m_processes.back().get(), milliseconds) == WAIT_OBJECT_0;
+        return WaitForSingleObject(last(), milliseconds) == WAIT_OBJECT_0;
     }
 
     // The library closes its own handle.

@@ -94,7 +94,8 @@ DWORD ScratchService::state() const { return statusOf(m_service.get()).dwCurrent
 
 bool ScratchService::exists(std::wstring const& name) { return open(name) != nullptr; }
 
-// A service that still has a process is only marked, and stays.
+// A service that still has a process is only marked, and stays. The manager learns of the end of
+// the process at a time of its own and tells nobody, so it is asked until it has.
 void ScratchService::remove() {
     OwnedHandle const process(
         OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE, FALSE, statusOf(m_service.get()).dwProcessId));
@@ -108,6 +109,10 @@ void ScratchService::remove() {
     }
     DeleteService(m_service.get());
     m_service.reset();
+
+    auto const end = std::chrono::steady_clock::now() + ceiling;
+    while (exists(m_name) && std::chrono::steady_clock::now() < end)
+        std::this_thread::yield();
 }
 
 } // namespace test
