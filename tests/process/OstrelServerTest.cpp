@@ -384,7 +384,7 @@ TEST_F(OstrelServerAccount, OfAServiceThatCannotBeOpenedIsEmpty) {
 }
 
 TEST_F(OstrelServerAccount, IsEmptyWhereTheFirstInquiryFailsOtherwise) {
-    for (DWORD const error : {0, 5, 6, 111, 234, 1060}) {
+    for (auto const error : {0u, 5u, 6u, 111u, 234u, 1060u}) {
         m_sizeError = error;
         EXPECT_EQ(L"", GetSyncServiceUserName()) << error;
     }
