@@ -23,6 +23,15 @@ static_assert(
 
 namespace {
 
+vr::Path lockFilePathOf(vr::Path const& path);
+
+// An explicit instantiation may name what is private.
+template <auto lockFilePath>
+struct Inside {
+    friend vr::Path lockFilePathOf(vr::Path const& path) { return lockFilePath(path); }
+};
+template struct Inside<&vrUtils::Files::LockFile::GetLockFilePath>;
+
 // A lock file whose holder leaves it behind.
 class LeftBehind : public LockFiles {
   protected:
@@ -242,6 +251,13 @@ TEST_P(LockFileNames, AddTheExtensionToTheTextAndTheFailureNamesTheProtectedFile
     EXPECT_THAT([&] { LockFile const lock(GetParam().path); }, FailsToLock(GetParam().text));
 
     EXPECT_EQ(GetParam().lockFile, opened);
+}
+
+TEST_P(LockFileNames, AreThoseOfFiles) {
+    auto path = lockFilePathOf(GetParam().path);
+
+    EXPECT_EQ(GetParam().lockFile, path.str());
+    EXPECT_EQ(L".lck", path.components().extension());
 }
 
 namespace {

@@ -18,6 +18,7 @@ class Station {
     void run() {
         std::map<std::string, std::function<std::string()>> const commands{
             {"take", [this] { return take(); }},
+            {"take without a name", [this] { return takeWithoutName(); }},
             {"release", [this] { return release(); }},
             {"pause and release", [this] { return pauseAndRelease(); }},
             {"open", [this] { return open(); }},
@@ -55,6 +56,11 @@ class Station {
         } catch (vrUtils::Files::LockFileException const&) {
             return "refused";
         }
+    }
+
+    std::string takeWithoutName() {
+        ComputerNamed const nameless({});
+        return take();
     }
 
     std::string release() {

@@ -174,6 +174,11 @@ class TwoComputers(unittest.TestCase):
         self.there.ask("take")
         print("the name of the holder,", own, "has become", self.lock_file.read_text("utf-16-le"))
 
+    def test_what_computers_without_a_name_do(self):
+        self.assertEqual("taken", self.here.ask("take without a name"))
+        print("two without a name: the second is", self.there.ask("take without a name"))
+        print("after one without a name: one with a name is", self.neighbour.ask("take"))
+
     def test_what_becomes_of_a_lock_taken_between_close_and_deletion(self):
         self.here.ask("take")
         self.assertEqual("closed", self.here.ask("pause and release"))
