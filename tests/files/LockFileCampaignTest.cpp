@@ -102,19 +102,19 @@ TEST_F(LockFileCampaign, HoldersThatAreKilledNeverBlockTheNext) {
             holders.push_back(
                 {m_folder.file(name), static_cast<unsigned>(campaign.below(placeCount))});
 
-        for (auto const& [text, place, process] : holders) {
-            SCOPED_TRACE(testing::Message() << campaign << ", at place " << place);
-            ASSERT_TRUE(process->waitForOutput("reached"));
-            if (isHeldAt(place)) {
-                ASSERT_THAT([&, file = text] { take(file); }, FailsToLock(text));
+        for (auto const& holder : holders) {
+            SCOPED_TRACE(testing::Message() << campaign << ", at place " << holder.place);
+            ASSERT_TRUE(holder.process->waitForOutput("reached"));
+            if (isHeldAt(holder.place)) {
+                ASSERT_THAT([&] { take(holder.text); }, FailsToLock(holder.text));
             }
-            if (place == onTheWay)
-                process->wait(std::chrono::milliseconds(campaign.below(20)));
+            if (holder.place == onTheWay)
+                holder.process->wait(std::chrono::milliseconds(campaign.below(20)));
 
-            process->kill();
-            ++killed[place];
+            holder.process->kill();
+            ++killed[holder.place];
 
-            ASSERT_NO_THROW(take(text));
+            ASSERT_NO_THROW(take(holder.text));
         }
         ASSERT_EQ(std::vector<std::wstring>{}, m_folder.names()) << campaign;
     }
