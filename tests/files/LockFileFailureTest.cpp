@@ -126,6 +126,19 @@ TEST_F(LockFileFailure, ToUnlockStillClosesAndDeletes) {
     EXPECT_FALSE(m_folder.exists(L"clip.mxf.lck"));
 }
 
+TEST_F(LockFileFailure, ToCloseIsNotReportedAndStillDeletes) {
+    test::ImportHook const closes("CloseHandle", [](HANDLE handle) -> BOOL {
+        CloseHandle(handle);
+        SetLastError(ERROR_IO_DEVICE);
+        return FALSE;
+    });
+
+    take();
+
+    EXPECT_EQ(1u, closes.calls());
+    EXPECT_FALSE(m_folder.exists(L"clip.mxf.lck"));
+}
+
 TEST_F(LockFileFailure, ToDeleteLeavesALockFileThatNobodyHolds) {
     {
         FailingImport<decltype(DeleteFileW)> const fails("DeleteFileW", FALSE, ERROR_ACCESS_DENIED);

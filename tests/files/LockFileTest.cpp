@@ -262,25 +262,36 @@ TEST_P(LockFileNames, AreThoseOfFiles) {
 
 namespace {
 
-class HostileLockNames : public LockFiles, public testing::WithParamInterface<std::wstring> {};
+struct HostileName {
+    char const* label;
+    std::wstring name;
+};
+
+class HostileLockNames : public LockFiles, public testing::WithParamInterface<HostileName> {};
 
 INSTANTIATE_TEST_SUITE_P(
     , HostileLockNames,
     testing::Values(
-        L"%s%n%d%.500s 100%", L" a  b ", L"a\xD83D", L"\xDE00z", L"*.?", L"a\"b\"", L"a\n\x01",
-        std::wstring(300, L'a'), std::wstring(4'000, L'a'), std::wstring(32'767, L'a')));
+        HostileName{"Percent", L"%s%n%d%.500s 100%"}, HostileName{"Blanks", L" a  b "},
+        HostileName{"HighHalf", L"a\xD83D"}, HostileName{"LowHalf", L"\xDE00z"},
+        HostileName{"Wildcard", L"*.?"}, HostileName{"Quotes", L"a\"b\""},
+        HostileName{"Controls", L"a\n\x01"}, HostileName{"Characters300", std::wstring(300, L'a')},
+        HostileName{"Characters4000", std::wstring(4'000, L'a')},
+        HostileName{"Characters32767", std::wstring(32'767, L'a')}),
+    [](auto const& tested) { return std::string(tested.param.label); });
 
 } // namespace
 
 TEST_P(HostileLockNames, AreTakenOrRefusedAsTold) {
-    auto const path = vr::Path::file(m_folder.file(GetParam()));
+    auto const path = vr::Path::file(m_folder.file(GetParam().name));
     test::HandleLeakCheck const check;
 
     try {
         LockFile const lock(path);
-        EXPECT_THAT([&] { LockFile const second(path); }, FailsToLock(m_folder.file(GetParam())));
+        EXPECT_THAT(
+            [&] { LockFile const second(path); }, FailsToLock(m_folder.file(GetParam().name)));
     } catch (LockFileException const& failure) {
-        EXPECT_EQ(L"Unable to lock " + m_folder.file(GetParam()), failure.message());
+        EXPECT_EQ(L"Unable to lock " + m_folder.file(GetParam().name), failure.message());
     }
 
     EXPECT_EQ(std::vector<std::wstring>{}, m_folder.names());

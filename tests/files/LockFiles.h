@@ -53,6 +53,9 @@ class LockFiles : public testing::Test {
     // The platform has a function of this name.
     using LockFile = vrUtils::Files::LockFile;
 
+    // With its first line the log opens handles that stay, and tests here count handles.
+    LockFiles() { take(); }
+
     void take() const { LockFile const lock(m_path); }
 
     test::ScratchFolder m_folder;
