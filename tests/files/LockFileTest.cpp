@@ -265,6 +265,10 @@ namespace {
 struct HostileName {
     char const* label;
     std::wstring name;
+
+    friend std::ostream& operator<<(std::ostream& stream, HostileName const& hostile) {
+        return stream << hostile.label;
+    }
 };
 
 class HostileLockNames : public LockFiles, public testing::WithParamInterface<HostileName> {};
