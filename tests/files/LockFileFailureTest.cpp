@@ -5,6 +5,7 @@
 #include "tests/support/HandleCount.h"
 #include "tests/support/OwnedHandle.h"
 
+#include <initializer_list>
 #include <new>
 #include <optional>
 
@@ -27,9 +28,9 @@ class LockFileFailure : public LockFiles {
 } // namespace
 
 TEST_F(LockFileFailure, OfTheOpenIsTheSameForEveryPlatformError) {
-    for (DWORD const error :
-         {ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_WRITE_PROTECT, ERROR_DISK_FULL,
-          ERROR_BAD_NETPATH, ERROR_FILENAME_EXCED_RANGE}) {
+    for (auto const error : std::initializer_list<DWORD>{
+             ERROR_ACCESS_DENIED, ERROR_SHARING_VIOLATION, ERROR_WRITE_PROTECT, ERROR_DISK_FULL,
+             ERROR_BAD_NETPATH, ERROR_FILENAME_EXCED_RANGE}) {
         FailingImport<decltype(CreateFileW)> const fails(
             "CreateFileW", INVALID_HANDLE_VALUE, error);
 
