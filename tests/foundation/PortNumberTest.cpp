@@ -1,14 +1,31 @@
 #include "foundation/PortNumber.h"
 
 #include "GroupingLocale.h"
+#include "RandomText.h"
 
 #include <gtest/gtest.h>
+
+#include <limits>
+#include <locale>
+#include <sstream>
+#include <string>
 
 using vrUtils::portNumber;
 
 namespace {
 
 constexpr std::uint32_t preset = 4711;
+
+// A stream of its own for every text.
+std::uint32_t streamed(std::wstring const& text) {
+    std::wistringstream stream(text);
+    stream.imbue(std::locale::classic());
+    std::uint32_t number = 0;
+    if (stream >> number)
+        return number;
+    auto const largest = std::numeric_limits<std::uint32_t>::max();
+    return number == largest ? largest : preset;
+}
 
 } // namespace
 
@@ -62,4 +79,26 @@ TEST(PortNumber, HasNoRegardToTheHostsLocale) {
     auto const number = portNumber(L"1.000", preset);
 
     EXPECT_EQ(1u, number);
+}
+
+TEST(PortNumber, ReadsEveryLengthOfNumberAsAStreamDoes) {
+    for (std::size_t length = 0; length <= 24; ++length)
+        for (wchar_t const digit : {L'0', L'1', L'4', L'9'})
+            for (auto const* before : {L"", L"0", L"+", L"-", L" "}) {
+                auto const text = before + std::wstring(length, digit);
+                EXPECT_EQ(streamed(text), portNumber(text, preset)) << testing::PrintToString(text);
+            }
+}
+
+TEST(PortNumber, AgreesWithAStreamAboutRandomText) {
+    test::Campaign campaign(20000);
+    RandomText<wchar_t> before(L" \t\r+-", campaign);
+    RandomText<wchar_t> digits(L"0123456789", campaign);
+    RandomText<wchar_t> behind(L"059 .,:xeL+-\u0661\u00b2", campaign);
+    while (campaign.nextRound()) {
+        auto const text = before.upTo(2) + digits.upTo(12) + behind.upTo(3);
+
+        ASSERT_EQ(streamed(text), portNumber(text, preset))
+            << testing::PrintToString(text) << ' ' << campaign;
+    }
 }
