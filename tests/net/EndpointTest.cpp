@@ -2,6 +2,7 @@
 
 #include "FailsForPort.h"
 
+#include <ostream>
 #include <string>
 
 using namespace vrUtils::TcpComms;
@@ -14,6 +15,10 @@ struct Split {
     wchar_t const* endpoint;
     wchar_t const* host;
     std::uint32_t port;
+
+    friend void PrintTo(Split const& split, std::ostream* stream) {
+        *stream << testing::PrintToString(split.endpoint);
+    }
 };
 
 // Where no port stands in the endpoint.

@@ -5,6 +5,7 @@
 #include "tests/support/ImportHook.h"
 
 #include <optional>
+#include <ostream>
 #include <string>
 #include <thread>
 
@@ -31,6 +32,8 @@ class InstanceSetter {
 struct BasePort {
     std::uint32_t port;
     wchar_t const* service;
+
+    friend void PrintTo(BasePort const& tested, std::ostream* stream) { *stream << tested.port; }
 };
 
 BasePort const basePorts[] = {
@@ -98,6 +101,8 @@ struct Failure {
     char const* name;
     void (*call)();
     wchar_t const* message;
+
+    friend void PrintTo(Failure const& failure, std::ostream* stream) { *stream << failure.name; }
 };
 
 class WrongPort : public testing::TestWithParam<Failure> {};

@@ -13,6 +13,7 @@
 
 #include <array>
 #include <clocale>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -88,6 +89,10 @@ auto FailsToResolve(std::wstring const& host) {
 struct Host {
     wchar_t const* host;
     char const* narrow;
+
+    friend void PrintTo(Host const& host, std::ostream* stream) {
+        *stream << testing::PrintToString(host.host);
+    }
 };
 
 class SocketNameLookUp : public testing::TestWithParam<Host> {};

@@ -12,6 +12,7 @@
 #include <gmock/gmock.h>
 
 #include <optional>
+#include <ostream>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -60,6 +61,11 @@ struct Cancellation {
     friend bool operator==(Cancellation const& left, Cancellation const& right) {
         return left.name == right.name && left.flags == right.flags &&
                left.isForced == right.isForced;
+    }
+
+    friend void PrintTo(Cancellation const& cancellation, std::ostream* stream) {
+        *stream << testing::PrintToString(cancellation.name) << ", flags " << cancellation.flags
+                << (cancellation.isForced ? ", forced" : "");
     }
 };
 
@@ -142,6 +148,10 @@ class FailedShareConnection : public ShareConnection {
 struct ShareOfPath {
     wchar_t const* path;
     wchar_t const* share;
+
+    friend void PrintTo(ShareOfPath const& tested, std::ostream* stream) {
+        *stream << testing::PrintToString(tested.path);
+    }
 };
 
 class ShareOf : public ShareConnection, public testing::WithParamInterface<ShareOfPath> {};
