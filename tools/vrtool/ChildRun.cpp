@@ -32,7 +32,7 @@ std::wstring quoted(std::wstring const& argument) {
 
 // One of this program's standard handles, for a child to inherit; null if there is none.
 OwnedHandle forChild(DWORD stream) {
-    HANDLE const own = GetStdHandle(stream);
+    auto* const own = GetStdHandle(stream);
     HANDLE inherited = nullptr;
     if (own && own != INVALID_HANDLE_VALUE)
         DuplicateHandle(
