@@ -1,16 +1,10 @@
 #include "tools/vrtool/ChildRun.h"
 
-#include "tools/vrtool/Platform.h"
+#include "tools/vrtool/OwnedHandle.h"
 
-#include <memory>
 #include <system_error>
 
 namespace {
-
-struct HandleCloser {
-    void operator()(HANDLE handle) const noexcept { CloseHandle(handle); }
-};
-using OwnedHandle = std::unique_ptr<void, HandleCloser>;
 
 [[noreturn]] void fail(DWORD error, char const* what) {
     throw std::system_error(static_cast<int>(error), std::system_category(), what);
