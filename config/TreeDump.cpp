@@ -103,7 +103,7 @@ void TreeDump::appendData(DWORD type, DWORD length) {
 void TreeDump::appendText(DWORD length) {
     std::wstring text(length / sizeof(wchar_t), L'\0');
     std::memcpy(text.data(), m_data.data(), text.size() * sizeof(wchar_t));
-    m_line.append(1, L'"').append(text.c_str()).append(1, L'"');
+    m_line.append(1, L'"').append(text, 0, text.find(L'\0')).append(1, L'"');
 }
 
 void TreeDump::appendNumber(DWORD length) {

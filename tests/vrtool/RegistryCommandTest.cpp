@@ -385,11 +385,24 @@ TEST_F(VrtoolRegistry, EndsARestoreThatNeverEndsAtItsLimit) {
 
     EXPECT_EQ(1u, tool.exitCode());
     EXPECT_EQ(
-        "vrtool: the restore did not end within 2 seconds and was stopped; what was restored by "
+        "vrtool: the restore did not end within 2 s and was stopped; what was restored by "
         "then stays\n",
         tool.output());
     EXPECT_TRUE(ends(child));
     EXPECT_EQ(1u, key.getNumber(L"begun"));
+}
+
+TEST_F(VrtoolRegistry, TellsOfANameThatIsTooLongForAKeyBeforeItIsTriedForEver) {
+    content(header() + "\"a\"=\"kept\"\r\r\n" + header('\\' + std::string(257, 'k')));
+
+    auto const run = restore({L"--time-limit", L"1"});
+
+    EXPECT_THAT(
+        run.out, HasSubstr("a key's name of more than 255 characters: the restore never ends"));
+    expectFailure(
+        run, "the restore did not end within 1 s and was stopped; what was restored by then "
+             "stays");
+    EXPECT_EQ(L"kept", key.getText(L"a"));
 }
 
 TEST_F(VrtoolRegistry, TakesTheRestoreAlongWhenItIsEndedItself) {

@@ -1,16 +1,10 @@
 #include "tools/vrtool/ChildRun.h"
 
-#include "tools/vrtool/Platform.h"
+#include "tools/vrtool/OwnedHandle.h"
 
-#include <memory>
 #include <system_error>
 
 namespace {
-
-struct HandleCloser {
-    void operator()(HANDLE handle) const noexcept { CloseHandle(handle); }
-};
-using OwnedHandle = std::unique_ptr<void, HandleCloser>;
 
 [[noreturn]] void fail(DWORD error, char const* what) {
     throw std::system_error(static_cast<int>(error), std::system_category(), what);
@@ -32,7 +26,7 @@ std::wstring quoted(std::wstring const& argument) {
 
 // One of this program's standard handles, for a child to inherit; null if there is none.
 OwnedHandle forChild(DWORD stream) {
-    HANDLE const own = GetStdHandle(stream);
+    auto* const own = GetStdHandle(stream);
     HANDLE inherited = nullptr;
     if (own && own != INVALID_HANDLE_VALUE)
         DuplicateHandle(

@@ -108,7 +108,7 @@ bool goesOnBehindItsEnd(std::wstring_view data) {
 Why whyList(std::wstring_view data, bool isBeforeFirstNumber) {
     if (data.empty())
         return L"an empty list: not restored";
-    if (auto const why = whyBytes(data, isBeforeFirstNumber))
+    if (auto why = whyBytes(data, isBeforeFirstNumber))
         return why;
     if ((data.size() + 1) / 3 % 2 != 0)
         return L"an odd number of bytes: a zero is added";

@@ -3,7 +3,7 @@
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/DumpSurvey.h"
 #include "tools/vrtool/ExitCodes.h"
-#include "tools/vrtool/Platform.h"
+#include "tools/vrtool/OwnedHandle.h"
 #include "tools/vrtool/SystemText.h"
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/Files.h"
@@ -30,15 +30,12 @@ Example:
 // dump.
 // @return why the file cannot be written over; empty if it can or is not there
 std::wstring whyNotOverwritten(std::wstring const& file) {
-    auto* const opened = CreateFileW(
+    OwnedHandle const opened(CreateFileW(
         file.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_EXISTING,
-        FILE_ATTRIBUTE_NORMAL, nullptr);
+        FILE_ATTRIBUTE_NORMAL, nullptr));
     DWORD const error = GetLastError();
-    if (opened != INVALID_HANDLE_VALUE) {
-        CloseHandle(opened);
-        return {};
-    }
-    return error == ERROR_FILE_NOT_FOUND ? std::wstring() : systemText(error);
+    bool const isWritable = opened.get() != INVALID_HANDLE_VALUE || error == ERROR_FILE_NOT_FOUND;
+    return isWritable ? std::wstring() : systemText(error);
 }
 
 std::string counted(std::size_t count, char const* one, char const* many) {

@@ -140,6 +140,6 @@ int RegistryRestoreCommand::restoreInChild(Console& console) const {
     if (!code)
         return fail(
             console, L"the restore did not end within " + std::to_wstring(m_seconds) +
-                         L" seconds and was stopped; what was restored by then stays");
+                         L" s and was stopped; what was restored by then stays");
     return static_cast<int>(*code);
 }
