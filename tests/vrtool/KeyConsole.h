@@ -20,10 +20,8 @@ class KeyConsole {
     KeyConsole(KeyConsole const&) = delete;
     KeyConsole& operator=(KeyConsole const&) = delete;
 
-    ~KeyConsole() {
-        SetConsoleCtrlHandler(seeKey, FALSE);
-        FreeConsole();
-    }
+    // The console stays: without one, each program that is started next would make its own.
+    ~KeyConsole() { SetConsoleCtrlHandler(seeKey, FALSE); }
 
     // @return whether the key was sent
     bool send() const { return GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0) != 0; }

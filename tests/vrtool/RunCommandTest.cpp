@@ -1,12 +1,15 @@
 // `vrtool run` as its users run it.
 
+#include "tools/vrtool/RunCommand.h"
 #include "foundation/Platform.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/HandleCount.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/OwnedHandle.h"
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/WideText.h"
 #include "tests/vrtool/KeyConsole.h"
-#include "tests/vrtool/ToolRun.h"
+#include "tests/vrtool/RunHere.h"
 
 #include <gmock/gmock.h>
 
@@ -186,4 +189,24 @@ TEST_F(VrtoolRun, IsCancelledByCtrlCThatEndsTheProgramToo) {
 
     EXPECT_EQ(4u, tool->exitCode());
     EXPECT_THAT(tool->output(), HasSubstr(" was cancelled, and has ended meanwhile\n"));
+}
+
+TEST_F(VrtoolRun, WaitsAMomentForTheKeyThatEndedTheProgram) {
+    test::ImportHook<decltype(CreateProcessW)> const pressesAndFails(
+        "CreateProcessW", [this](auto...) -> BOOL {
+            console.send();
+            return FALSE;
+        });
+
+    auto const result = test::runHere<RunCommand>("run", {"program", "--"});
+
+    EXPECT_EQ("vrtool: program was cancelled, and has ended meanwhile\n", result.error);
+    EXPECT_EQ(4u, result.exitCode);
+}
+
+TEST_F(VrtoolRun, LeavesNoHandleOpen) {
+    test::runHere<RunCommand>("run", {"0", "exit", test::utf8(program), "--"});
+    test::HandleLeakCheck const check;
+
+    test::runHere<RunCommand>("run", {"0", "exit", test::utf8(program), "--"});
 }

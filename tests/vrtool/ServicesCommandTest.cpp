@@ -2,6 +2,7 @@
 // the known names.
 
 #include "tools/vrtool/ServicesCommand.h"
+#include "tests/support/ImportHook.h"
 #include "tests/support/ScratchService.h"
 #include "tests/vrtool/RunHere.h"
 
@@ -159,12 +160,15 @@ TEST_F(VrtoolServices, TakesTheStopOfAStoppedOne) {
 
 // The library takes the last error from before for the service's own.
 TEST_F(VrtoolServices, ShowsAPausedOneAsStoppedWhateverWasBefore) {
-    test::ScratchService service(syncName);
-    service.run();
-    service.pause();
-    SetLastError(ERROR_INVALID_SERVICE_CONTROL);
+    test::ScratchService const sync(syncName);
+    test::ScratchService engine(engineName);
+    engine.run();
+    engine.pause();
+    test::FailingImport<decltype(QueryServiceConfigW)> const leavesAnError(
+        "QueryServiceConfigW", FALSE, ERROR_INVALID_SERVICE_CONTROL);
 
     auto const run = test::runHere<ServicesCommand>("services", {"--json"});
 
-    EXPECT_EQ("stopped", run.json()[0]["status"].asString());
+    EXPECT_EQ(1u, leavesAnError.calls());
+    EXPECT_EQ("stopped", run.json()[1]["status"].asString());
 }

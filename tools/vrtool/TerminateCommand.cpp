@@ -2,7 +2,7 @@
 
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/ExitCodes.h"
-#include "tools/vrtool/Platform.h"
+#include "tools/vrtool/OwnedHandle.h"
 #include "tools/vrtool/ProcessId.h"
 #include "tools/vrtool/SystemText.h"
 #include "tools/vrtool/Utf8.h"
@@ -22,13 +22,12 @@ Example:
 
 // @return the platform's error; ERROR_SUCCESS if the event is signalled now
 DWORD signal(std::wstring const& event) {
-    HANDLE const opened = OpenEventW(EVENT_MODIFY_STATE, FALSE, event.c_str());
+    OwnedHandle const opened(OpenEventW(EVENT_MODIFY_STATE, FALSE, event.c_str()));
     auto const openError = GetLastError();
     if (!opened)
         return openError;
-    bool const isSet = SetEvent(opened) != 0;
+    bool const isSet = SetEvent(opened.get()) != 0;
     auto const setError = GetLastError();
-    CloseHandle(opened);
     return isSet ? ERROR_SUCCESS : setError;
 }
 

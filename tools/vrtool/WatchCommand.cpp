@@ -3,14 +3,12 @@
 #include "tools/vrtool/CancelKey.h"
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/ExitCodes.h"
-#include "tools/vrtool/Platform.h"
+#include "tools/vrtool/OwnedHandle.h"
 #include "tools/vrtool/ProcessId.h"
 #include "tools/vrtool/SystemText.h"
 #include "tools/vrtool/TimeLimits.h"
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/ProcessWatchdog.h"
-
-#include <memory>
 
 namespace {
 
@@ -26,11 +24,6 @@ cannot be watched or killed; 2 if the arguments are wrong; 4 after Ctrl-C.
 Example:
   vrtool watch 4711 --grace 30)";
 
-struct ProcessCloser {
-    void operator()(HANDLE process) const noexcept { CloseHandle(process); }
-};
-using Process = std::unique_ptr<void, ProcessCloser>;
-
 // Time for what is as good as done: the watch's own thread behind its kill, a process that was
 // killed.
 constexpr std::uint32_t momentMs = 1000;
@@ -38,7 +31,7 @@ constexpr std::uint32_t momentMs = 1000;
 enum class Event { ended, cancelled, watchIsOver };
 
 Event waitFor(
-    Process const& process, CancelKey const& key,
+    OwnedHandle const& process, CancelKey const& key,
     vrUtils::ProcessWatchdog::ProcessTerminator& watchdog) {
     HANDLE const events[] = {process.get(), key.event()};
     for (;;) {
@@ -76,7 +69,7 @@ int WatchCommand::run(Console& console) const {
     };
 
     // As long as it is open, no other process can get the id and be killed in place of this one.
-    Process const process(OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE, FALSE, m_processId));
+    OwnedHandle const process(OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE, FALSE, m_processId));
     auto const error = GetLastError();
     if (!process)
         return fail(" cannot be watched: " + toUtf8(systemText(error)));
