@@ -116,6 +116,23 @@ int sleep(Arguments const&) {
     return 0;
 }
 
+// deaf: idle for ever, and Ctrl-C does not end it
+int deaf(Arguments const&) {
+    SetConsoleCtrlHandler(nullptr, TRUE);
+    print(L"deaf");
+    Sleep(INFINITE);
+    return 0;
+}
+
+// break: idle for ever, and ended by Ctrl-C with the code that it gives to all who do not heed it
+int endByKey(Arguments const&) {
+    SetConsoleCtrlHandler(
+        [](DWORD) { return TerminateProcess(GetCurrentProcess(), 0xC000013A); }, TRUE);
+    print(L"breakable");
+    Sleep(INFINITE);
+    return 0;
+}
+
 // crash: ends with the exception of an access to memory that is none
 int crash(Arguments const&) {
     RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
@@ -139,11 +156,12 @@ int into(Arguments const& arguments) {
 
 int carryOut(Arguments const& words) {
     static std::map<std::wstring, Action> const actions{
-        {L"exit", exitWith}, {L"echo", echo},       {L"complain", complain},
-        {L"flood", flood},   {L"command", command}, {L"environment", environment},
-        {L"folder", folder}, {L"hold", hold},       {L"variables", variables},
-        {L"into", into},     {L"spin", spin},       {L"wait", waitForEvent},
-        {L"sleep", sleep},   {L"crash", crash},
+        {L"exit", exitWith},  {L"echo", echo},       {L"complain", complain},
+        {L"flood", flood},    {L"command", command}, {L"environment", environment},
+        {L"folder", folder},  {L"hold", hold},       {L"variables", variables},
+        {L"into", into},      {L"spin", spin},       {L"wait", waitForEvent},
+        {L"sleep", sleep},    {L"crash", crash},     {L"deaf", deaf},
+        {L"break", endByKey},
     };
     auto const action = words.empty() ? actions.end() : actions.find(words.front());
     if (action == actions.end())

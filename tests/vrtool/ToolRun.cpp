@@ -23,6 +23,46 @@ test::OwnedHandle newFile(std::wstring const& path) {
     return test::OwnedHandle(file);
 }
 
+std::uint32_t
+runWithFlags(std::vector<std::wstring> const& arguments, void* out, void* error, DWORD flags) {
+    std::wstring line = test::quoted(test::besideTestProgram(L"vrtool.exe"));
+    for (auto const& argument : arguments)
+        line += L' ' + test::quoted(argument);
+    STARTUPINFOW start{};
+    start.cb = sizeof start;
+    start.dwFlags = STARTF_USESTDHANDLES;
+    start.hStdOutput = out;
+    start.hStdError = error;
+
+    PROCESS_INFORMATION process;
+    BOOL const started = CreateProcessW(
+        nullptr, line.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr, &start, &process);
+    DWORD const startError = GetLastError();
+    if (!started)
+        throw test::platformFailure(startError, "cannot start vrtool");
+    test::OwnedHandle const thread(process.hThread);
+    test::OwnedHandle const owner(process.hProcess);
+    auto const limit = std::chrono::milliseconds(test::ceiling).count();
+    if (WaitForSingleObject(owner.get(), static_cast<DWORD>(limit)) != WAIT_OBJECT_0) {
+        TerminateProcess(owner.get(), 99);
+        throw std::runtime_error("vrtool does not end");
+    }
+    DWORD exitCode = 0;
+    GetExitCodeProcess(owner.get(), &exitCode);
+    return exitCode;
+}
+
+test::ToolRun runIntoFiles(std::vector<std::wstring> const& arguments, DWORD flags) {
+    test::ScratchFolder const folder;
+    std::uint32_t exitCode = 0;
+    {
+        auto const out = newFile(folder.file(L"out"));
+        auto const error = newFile(folder.file(L"error"));
+        exitCode = runWithFlags(arguments, out.get(), error.get(), flags);
+    }
+    return {exitCode, folder.read(L"out"), folder.read(L"error")};
+}
+
 } // namespace
 
 std::vector<std::string> test::ToolRun::lines() const {
@@ -43,46 +83,18 @@ Json::Value test::ToolRun::json() const {
     return document;
 }
 
+// Without a console of its own, whose host would keep the files open longer than the program.
 test::ToolRun test::runTool(std::vector<std::wstring> const& arguments) {
-    ScratchFolder const folder;
-    std::uint32_t exitCode = 0;
-    {
-        auto const out = newFile(folder.file(L"out"));
-        auto const error = newFile(folder.file(L"error"));
-        exitCode = runTool(arguments, out.get(), error.get());
-    }
-    return {exitCode, folder.read(L"out"), folder.read(L"error")};
+    return runIntoFiles(arguments, DETACHED_PROCESS);
+}
+
+test::ToolRun test::runToolInConsole(std::vector<std::wstring> const& arguments) {
+    return runIntoFiles(arguments, 0);
 }
 
 std::uint32_t test::runTool(std::vector<std::wstring> const& arguments, void* out, void* error) {
-    std::wstring line = quoted(besideTestProgram(L"vrtool.exe"));
-    for (auto const& argument : arguments)
-        line += L' ' + quoted(argument);
-    STARTUPINFOW start{};
-    start.cb = sizeof start;
-    start.dwFlags = STARTF_USESTDHANDLES;
-    start.hStdOutput = out;
-    start.hStdError = error;
-
-    // Without a console of its own, whose host would keep the files open longer than the program.
     DWORD mode = 0;
-    DWORD const flags = GetConsoleMode(out, &mode) ? 0 : DETACHED_PROCESS;
-    PROCESS_INFORMATION process;
-    BOOL const started = CreateProcessW(
-        nullptr, line.data(), nullptr, nullptr, TRUE, flags, nullptr, nullptr, &start, &process);
-    DWORD const startError = GetLastError();
-    if (!started)
-        throw platformFailure(startError, "cannot start vrtool");
-    OwnedHandle const thread(process.hThread);
-    OwnedHandle const owner(process.hProcess);
-    auto const limit = std::chrono::milliseconds(ceiling).count();
-    if (WaitForSingleObject(owner.get(), static_cast<DWORD>(limit)) != WAIT_OBJECT_0) {
-        TerminateProcess(owner.get(), 99);
-        throw std::runtime_error("vrtool does not end");
-    }
-    DWORD exitCode = 0;
-    GetExitCodeProcess(owner.get(), &exitCode);
-    return exitCode;
+    return runWithFlags(arguments, out, error, GetConsoleMode(out, &mode) ? 0 : DETACHED_PROCESS);
 }
 
 std::vector<std::string> test::cellsOf(std::string const& line) {

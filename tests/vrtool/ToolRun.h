@@ -25,6 +25,10 @@ struct ToolRun {
 // Runs the program to its end, its output going to files as in a pipe.
 ToolRun runTool(std::vector<std::wstring> const& arguments);
 
+// The same in the console of the test, which the programs that vrtool starts then share, with its
+// outputs. They must have ended with it.
+ToolRun runToolInConsole(std::vector<std::wstring> const& arguments);
+
 // Runs the program with these handles, which it inherits, as its standard output and error.
 // @return the exit code
 std::uint32_t runTool(std::vector<std::wstring> const& arguments, void* out, void* error);

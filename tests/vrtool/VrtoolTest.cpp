@@ -39,7 +39,9 @@ TEST(Vrtool, HelpListsTheSubcommands) {
     EXPECT_THAT(
         run.out, AllOf(
                      HasSubstr("Usage: vrtool"), HasSubstr("\n  inspect "), HasSubstr("\n  path "),
-                     HasSubstr("\n  settings "), HasSubstr("\n  registry ")));
+                     HasSubstr("\n  settings "), HasSubstr("\n  registry "), HasSubstr("\n  run "),
+                     HasSubstr("\n  watch "), HasSubstr("\n  terminate "), HasSubstr("\n  lock "),
+                     HasSubstr("\n  services "), HasSubstr("\n  whoami ")));
     EXPECT_EQ("", run.error);
     EXPECT_EQ(0u, run.exitCode);
 }
@@ -89,7 +91,11 @@ INSTANTIATE_TEST_SUITE_P(
         Arguments{L"--help"}, Arguments{L"inspect", L"--help"}, Arguments{L"path", L"--help"},
         Arguments{L"settings", L"--help"}, Arguments{L"settings", L"get", L"--help"},
         Arguments{L"settings", L"set", L"--help"}, Arguments{L"registry", L"--help"},
-        Arguments{L"registry", L"dump", L"--help"}, Arguments{L"registry", L"restore", L"--help"}),
+        Arguments{L"registry", L"dump", L"--help"}, Arguments{L"registry", L"restore", L"--help"},
+        Arguments{L"run", L"--help"}, Arguments{L"watch", L"--help"},
+        Arguments{L"terminate", L"--help"}, Arguments{L"lock", L"--help"},
+        Arguments{L"services", L"--help"}, Arguments{L"services", L"start", L"--help"},
+        Arguments{L"services", L"stop", L"--help"}, Arguments{L"whoami", L"--help"}),
     [](auto const& test) {
         std::string name = "program";
         for (std::size_t word = 0; word + 1 < test.param.size(); ++word)
@@ -215,6 +221,105 @@ INSTANTIATE_TEST_SUITE_P(
             {L"registry", L"restore", L"HKCU\\A", L"a.reg", L"--time-limit", L"2", L"--check"},
             "--check excludes --time-limit",
             "registry restore [OPTIONS] KEY FILE"},
+        WrongArguments{
+            "RunWithoutProgram",
+            {L"run", L"--timeout", L"5", L"--"},
+            "PROGRAM is required",
+            "run [OPTIONS] PROGRAM..."},
+        WrongArguments{
+            "RunWithAnOptionAheadOfTheMark",
+            {L"run", L"a.exe", L"--fast"},
+            "The following argument was not expected: --fast",
+            "run [OPTIONS] PROGRAM..."},
+        WrongArguments{
+            "TimeoutOfNothing",
+            {L"run", L"--timeout", L"0", L"--", L"a"},
+            "--timeout: Value 0 not in range 1 to 86400",
+            "run [OPTIONS] PROGRAM..."},
+        WrongArguments{
+            "TimeoutOfMoreThanADay",
+            {L"run", L"--timeout", L"86401", L"--", L"a"},
+            "--timeout: Value 86401 not in range 1 to 86400",
+            "run [OPTIONS] PROGRAM..."},
+        WrongArguments{
+            "PollOfNothing",
+            {L"run", L"--poll", L"0", L"--", L"a"},
+            "--poll: Value 0 not in range 1 to 60000",
+            "run [OPTIONS] PROGRAM..."},
+        WrongArguments{
+            "PollOfMoreThanAMinute",
+            {L"run", L"--poll", L"60001", L"--", L"a"},
+            "--poll: Value 60001 not in range 1 to 60000",
+            "run [OPTIONS] PROGRAM..."},
+        WrongArguments{
+            "VariableWithoutValue",
+            {L"run", L"--env", L"A", L"--", L"a"},
+            "--env: A is not of the form NAME=VALUE",
+            "run [OPTIONS] PROGRAM..."},
+        WrongArguments{
+            "VariableWithoutName",
+            {L"run", L"--env", L"A=1", L"--env", L"=b", L"--", L"a"},
+            "--env: =b is not of the form NAME=VALUE",
+            "run [OPTIONS] PROGRAM..."},
+        WrongArguments{
+            "WatchWithoutProcess",
+            {L"watch", L"--grace", L"5"},
+            "PID is required",
+            "watch [OPTIONS] PID"},
+        WrongArguments{
+            "WatchWithoutGrace", {L"watch", L"5"}, "--grace is required", "watch [OPTIONS] PID"},
+        WrongArguments{
+            "WatchOfNoNumber",
+            {L"watch", L"five", L"--grace", L"5"},
+            "PID: Value five not in range 1 to 4294967295",
+            "watch [OPTIONS] PID"},
+        WrongArguments{
+            "GraceOfMoreThanADay",
+            {L"watch", L"5", L"--grace", L"86401"},
+            "--grace: Value 86401 not in range 0 to 86400",
+            "watch [OPTIONS] PID"},
+        WrongArguments{
+            "TerminateWithoutProcess",
+            {L"terminate"},
+            "PID is required",
+            "terminate [OPTIONS] PID"},
+        WrongArguments{
+            "TerminateOfProcessNought",
+            {L"terminate", L"0"},
+            "PID: Value 0 not in range 1 to 4294967295",
+            "terminate [OPTIONS] PID"},
+        WrongArguments{
+            "TerminateOfNoProcessId",
+            {L"terminate", L"4294967296"},
+            "PID: Value 4294967296 not in range 1 to 4294967295",
+            "terminate [OPTIONS] PID"},
+        WrongArguments{
+            "LockWithoutFile", {L"lock"}, "FILE is required", "lock [OPTIONS] FILE PROGRAM..."},
+        WrongArguments{
+            "LockWithoutProgram",
+            {L"lock", L"C:\\a.mxf"},
+            "PROGRAM is required",
+            "lock [OPTIONS] FILE PROGRAM..."},
+        WrongArguments{
+            "ServicesStartWithoutName",
+            {L"services", L"start"},
+            "NAME is required",
+            "services start [OPTIONS] NAME"},
+        WrongArguments{
+            "ServicesStopOfTwo",
+            {L"services", L"stop", L"sync", L"engine"},
+            "The following argument was not expected: engine",
+            "services stop [OPTIONS] NAME"},
+        WrongArguments{
+            "ServicesSubcommandThatIsNone",
+            {L"services", L"pause"},
+            "The following argument was not expected: pause",
+            "services [OPTIONS] [SUBCOMMAND]"},
+        WrongArguments{
+            "WhoamiWithAnArgument",
+            {L"whoami", L"me"},
+            "The following argument was not expected: me",
+            "whoami [OPTIONS]"},
         WrongArguments{
             "WidthThatIsNoNumber",
             {L"--width", L"many", L"path", L"a"},

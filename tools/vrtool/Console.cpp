@@ -73,3 +73,5 @@ void Console::out(std::string_view text) {
 }
 
 void Console::error(std::string_view text) { write(GetStdHandle(STD_ERROR_HANDLE), text); }
+
+bool Console::errorIsConsole() const { return isConsole(GetStdHandle(STD_ERROR_HANDLE)); }

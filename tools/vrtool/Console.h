@@ -18,6 +18,9 @@ class Console {
     // Writes to standard error; what cannot be written is lost.
     void error(std::string_view text);
 
+    // Whether standard error is a console, where a line can be written over.
+    bool errorIsConsole() const;
+
     // The columns that a line of standard output may take; none if there is no limit, as for files
     // and pipes.
     std::optional<std::size_t> width() const { return m_width; }

@@ -5,10 +5,16 @@
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/ExitCodes.h"
 #include "tools/vrtool/InspectCommand.h"
+#include "tools/vrtool/LockCommand.h"
 #include "tools/vrtool/PathCommand.h"
 #include "tools/vrtool/RegistryCommand.h"
+#include "tools/vrtool/RunCommand.h"
+#include "tools/vrtool/ServicesCommand.h"
 #include "tools/vrtool/SettingsCommand.h"
+#include "tools/vrtool/TerminateCommand.h"
 #include "tools/vrtool/Utf8.h"
+#include "tools/vrtool/WatchCommand.h"
+#include "tools/vrtool/WhoamiCommand.h"
 #include "vrUtils/version.h"
 #include "vrUtils/vrException.h"
 
@@ -26,6 +32,12 @@ Commands allCommands() {
     commands.push_back(std::make_unique<PathCommand>());
     commands.push_back(std::make_unique<SettingsCommand>());
     commands.push_back(std::make_unique<RegistryCommand>());
+    commands.push_back(std::make_unique<RunCommand>());
+    commands.push_back(std::make_unique<WatchCommand>());
+    commands.push_back(std::make_unique<TerminateCommand>());
+    commands.push_back(std::make_unique<LockCommand>());
+    commands.push_back(std::make_unique<ServicesCommand>());
+    commands.push_back(std::make_unique<WhoamiCommand>());
     return commands;
 }
 

@@ -5,6 +5,7 @@
 #include "tools/vrtool/ExitCodes.h"
 #include "tools/vrtool/SystemText.h"
 #include "tools/vrtool/TextTable.h"
+#include "tools/vrtool/TimeLimits.h"
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/Files.h"
 #include "vrUtils/Registry.h"
@@ -32,7 +33,6 @@ Example:
   vrtool registry restore --check HKLM\Software\Vorrane C:\Vorrane.reg
   vrtool registry restore HKLM\Software\Vorrane C:\Vorrane.reg --time-limit 60)";
 
-constexpr std::uint32_t secondsOfADay = 24 * 60 * 60;
 constexpr char surveyedFlag[] = "--surveyed";
 
 std::string tableOf(DumpSurvey const& survey, std::optional<std::size_t> width) {
