@@ -28,8 +28,7 @@ wchar_t const* typePrefix(DWORD type) {
 // Appends a number, with zeros in front up to the width.
 void append(std::wstring& text, std::uint32_t number, int base, std::size_t width) {
     std::array<char, 10> digits;
-    auto* const end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), number, base).ptr;
+    auto* const end = std::to_chars(digits.data(), digits.data() + digits.size(), number, base).ptr;
     auto const count = static_cast<std::size_t>(end - digits.data());
     text.append(width - std::min(width, count), L'0');
     text.append(digits.data(), end);
@@ -55,7 +54,10 @@ void TreeDump::writeValues(RegistryKey const& key) {
         if (error == ERROR_NO_MORE_ITEMS)
             return;
 
-        m_line.assign(1, L'"').append(m_name.data()).append(L"\"=").append(typePrefix(type));
+        // With an error the name need not end.
+        auto const nameEnd = std::find(m_name.begin(), m_name.end(), L'\0');
+        m_line.assign(1, L'"').append(m_name.begin(), nameEnd);
+        m_line.append(L"\"=").append(typePrefix(type));
         // With an error the length is that of data which did not arrive.
         if (error == ERROR_SUCCESS)
             appendData(type, length);

@@ -16,8 +16,8 @@ ExternalProcess::cmdArg& ExternalProcess::cmdArg::operator<<(std::wstring const&
 
 ExternalProcess::ExternalProcess(
     std::wstring const& name, std::uint32_t timeoutSeconds, std::wstring const& logModule)
-    : m_implementation(
-          std::make_shared<Impl::ExternalProcessImplementation>(name, timeoutSeconds, logModule)) {}
+    : m_implementation(std::make_shared<Impl::ExternalProcessBlockingImplementation>(
+          name, timeoutSeconds, logModule)) {}
 
 ExternalProcess::ExternalProcess(
     std::wstring const& name, std::uint32_t timeoutSeconds, std::wstring const& logModule,

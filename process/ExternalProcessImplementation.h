@@ -10,8 +10,8 @@
 
 namespace vrUtils::Process::Impl {
 
-// What a program is run with, and the wait that blocks. There is no virtual destructor: each is
-// destroyed as what it was made as.
+// What a program is run with, and the wait that blocks. There is no virtual destructor: each object
+// is of a class that is final, and destroyed as what it was made as.
 class ExternalProcessImplementation {
   public:
     ExternalProcessImplementation(
@@ -28,6 +28,8 @@ class ExternalProcessImplementation {
     std::int32_t Execute() const;
 
   protected:
+    ~ExternalProcessImplementation() = default;
+
     // Waits for the program that was started.
     // @return what Execute gives
     virtual std::int32_t WaitForProcess(PROCESS_INFORMATION const& process) const;
@@ -52,6 +54,11 @@ class ExternalProcessImplementation {
     std::wstring m_workingDirectory;
     // In the order in which the program receives them.
     std::map<std::wstring, std::wstring> m_environment;
+};
+
+class ExternalProcessBlockingImplementation final : public ExternalProcessImplementation {
+  public:
+    using ExternalProcessImplementation::ExternalProcessImplementation;
 };
 
 class ExternalProcessWithCallbackImplementation final : public ExternalProcessImplementation {

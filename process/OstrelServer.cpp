@@ -2,6 +2,7 @@
 
 #include "foundation/Handle.h"
 
+#include <new>
 #include <vector>
 
 namespace vrUtils::OstrelServer {
@@ -73,7 +74,7 @@ bool StopEngineService() { return stop(engineService); }
 
 bool StopIndexService(wchar_t const* name) { return stop(name); }
 
-std::wstring GetSyncServiceUserName() {
+std::wstring GetSyncServiceUserName() try {
     auto const service = openService(syncService);
     DWORD size = 0;
     if (!service || QueryServiceConfigW(service.get(), nullptr, 0, &size) ||
@@ -82,9 +83,14 @@ std::wstring GetSyncServiceUserName() {
 
     std::vector<unsigned char> buffer(size);
     auto* const configuration = reinterpret_cast<QUERY_SERVICE_CONFIGW*>(buffer.data());
-    if (!QueryServiceConfigW(service.get(), configuration, size, &size))
+    // A driver may have no account.
+    if (!QueryServiceConfigW(service.get(), configuration, size, &size) ||
+        !configuration->lpServiceStartName)
         return {};
     return configuration->lpServiceStartName;
+} catch (std::bad_alloc const&) {
+    // Without the memory for it the account cannot be found out either.
+    return {};
 }
 
 } // namespace vrUtils::OstrelServer

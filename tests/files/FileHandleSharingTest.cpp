@@ -4,6 +4,7 @@
 #include "foundation/Platform.h"
 #include "tests/files/FailsWith.h"
 #include "tests/files/Openers.h"
+#include "tests/files/Outsider.h"
 #include "tests/support/ChildAction.h"
 #include "tests/support/OwnedHandle.h"
 #include "tests/support/ScratchFolder.h"
@@ -51,14 +52,6 @@ class SharingOf : public SharedFile, public testing::WithParamInterface<Opener> 
 };
 
 INSTANTIATE_TEST_SUITE_P(, SharingOf, testing::ValuesIn(openers()), nameOf);
-
-// Opens the file as an outsider who lets others do whatever they like.
-DWORD errorOfOutsider(std::wstring const& name, DWORD access) {
-    test::OwnedHandle const file(CreateFileW(
-        name.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    return file.get() == INVALID_HANDLE_VALUE ? GetLastError() : ERROR_SUCCESS;
-}
 
 // Opens a file in the way of the opener with this index, and keeps it open.
 test::ChildAction const holdElsewhere(L"hold a file handle", [](auto const& arguments) {

@@ -35,6 +35,11 @@ class Campaign {
 
     std::mt19937& random() { return m_random; }
 
+    // Until no further round begins, for what a round waits for or lets live.
+    std::chrono::seconds timeLeft() const {
+        return std::chrono::duration_cast<std::chrono::seconds>(m_end - Clock::now());
+    }
+
     // A random whole number from 0 to the limit, the limit left out. The generator's numbers are used
     // as they come, not through a distribution, so that a seed means the same with every library.
     std::size_t below(std::size_t limit) { return m_random() % limit; }

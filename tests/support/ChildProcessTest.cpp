@@ -99,6 +99,28 @@ TEST(ChildProcess, LeavesTheEnvironmentOfTheTestAlone) {
     EXPECT_EQ("unset\n", ChildProcess({L"environment", L"VRUTILS_NEW"}).output());
 }
 
+TEST(ChildProcess, ListsItsVariables) {
+    test::ChildStart start;
+    start.environment = {{L"VRUTILS_NEW", L"new"}};
+
+    EXPECT_THAT(
+        ChildProcess({L"variables"}, start).output(), testing::HasSubstr("\nVRUTILS_NEW=new\n"));
+}
+
+TEST(ChildProcess, PutsItsOutputIntoAFile) {
+    test::ScratchFolder const folder;
+    ChildProcess const child({L"into", folder.file(L"out.txt"), L"echo", L"one", L"two"});
+
+    EXPECT_EQ(0u, child.exitCode());
+    EXPECT_EQ("", child.output());
+    EXPECT_EQ("one\ntwo\n", folder.read(L"out.txt"));
+}
+
+TEST(ChildProcess, GivesTheResultOfWhatItPutsIntoAFile) {
+    EXPECT_EQ(7u, ChildProcess({L"into", L"NUL", L"exit", L"7"}).exitCode());
+    EXPECT_EQ(64u, ChildProcess({L"into", L"NUL"}).exitCode());
+}
+
 TEST(ChildProcess, RunsInTheGivenFolder) {
     test::ScratchFolder const folder;
     test::ChildStart start;

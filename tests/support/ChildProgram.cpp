@@ -4,6 +4,7 @@
 #include "tests/support/LimitedLife.h"
 #include "tests/support/WideText.h"
 
+#include <cwchar>
 #include <map>
 #include <string>
 #include <vector>
@@ -52,6 +53,15 @@ int environment(Arguments const& arguments) {
         wchar_t const* const value = _wgetenv(name.c_str());
         print(value ? L"=" + std::wstring(value) : L"unset");
     }
+    return 0;
+}
+
+// variables: all of the environment, in its order
+int variables(Arguments const&) {
+    wchar_t* const block = GetEnvironmentStringsW();
+    for (wchar_t const* entry = block; *entry; entry += std::wcslen(entry) + 1)
+        print(entry);
+    FreeEnvironmentStringsW(block);
     return 0;
 }
 
@@ -112,18 +122,38 @@ int crash(Arguments const&) {
     return 0;
 }
 
+int carryOut(Arguments const& words);
+
+// into FILE ACTION ARGUMENT...: any other action, with the standard output in a new file
+int into(Arguments const& arguments) {
+    HANDLE const file = CreateFileW(
+        arguments.at(0).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr, CREATE_ALWAYS, 0,
+        nullptr);
+    if (file == INVALID_HANDLE_VALUE)
+        return 1;
+    SetStdHandle(STD_OUTPUT_HANDLE, file);
+    int const result = carryOut({arguments.begin() + 1, arguments.end()});
+    CloseHandle(file);
+    return result;
+}
+
+int carryOut(Arguments const& words) {
+    static std::map<std::wstring, Action> const actions{
+        {L"exit", exitWith}, {L"echo", echo},       {L"complain", complain},
+        {L"flood", flood},   {L"command", command}, {L"environment", environment},
+        {L"folder", folder}, {L"hold", hold},       {L"variables", variables},
+        {L"into", into},     {L"spin", spin},       {L"wait", waitForEvent},
+        {L"sleep", sleep},   {L"crash", crash},
+    };
+    auto const action = words.empty() ? actions.end() : actions.find(words.front());
+    if (action == actions.end())
+        return 64;
+    return action->second({words.begin() + 1, words.end()});
+}
+
 } // namespace
 
 int wmain(int count, wchar_t** arguments) {
     test::limitLife();
-    static std::map<std::wstring, Action> const actions{
-        {L"exit", exitWith}, {L"echo", echo},       {L"complain", complain},
-        {L"flood", flood},   {L"command", command}, {L"environment", environment},
-        {L"folder", folder}, {L"hold", hold},       {L"wait", waitForEvent},
-        {L"spin", spin},     {L"sleep", sleep},     {L"crash", crash},
-    };
-    auto const action = count < 2 ? actions.end() : actions.find(arguments[1]);
-    if (action == actions.end())
-        return 64;
-    return action->second(Arguments(arguments + 2, arguments + count));
+    return carryOut({arguments + 1, arguments + count});
 }

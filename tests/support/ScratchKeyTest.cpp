@@ -41,7 +41,17 @@ TEST(ScratchKey, GoesWithItsValuesAndSubkeys) {
 TEST(ScratchKey, MayBeRemovedByTheTestItself) {
     test::ScratchKey const key;
 
-    EXPECT_EQ(ERROR_SUCCESS, RegDeleteTreeW(key.hive(), key.path().c_str()));
+    EXPECT_EQ(ERROR_SUCCESS, key.remove());
+    EXPECT_EQ(ERROR_SUCCESS, key.remove());
+
+    EXPECT_FALSE(key.exists());
+}
+
+TEST(ScratchKey, StandsInTheHiveThatIsNamed) {
+    test::ScratchKey const key(HKEY_LOCAL_MACHINE);
+
+    EXPECT_TRUE(test::RegistryPlace(HKEY_LOCAL_MACHINE, key.path()).exists());
+    EXPECT_FALSE(test::RegistryPlace(HKEY_CURRENT_USER, key.path()).exists());
 }
 
 TEST(ScratchKey, SetsAndGetsTexts) {

@@ -3,6 +3,9 @@
 #include "tools/vrtool/Console.h"
 #include "foundation/Platform.h"
 #include "tests/support/OwnedHandle.h"
+#include "tests/support/ScratchFolder.h"
+#include "tests/support/ScratchKey.h"
+#include "tests/support/WideText.h"
 #include "tests/vrtool/ToolRun.h"
 
 #include <gtest/gtest.h>
@@ -77,6 +80,22 @@ TEST(VrtoolConsole, KeepsToTheWidthOfTheScreen) {
     EXPECT_EQ(L"wholePath", screen.line(2).substr(0, 9));
     EXPECT_EQ(L"          ", screen.line(3).substr(0, 10));
     EXPECT_EQ(static_cast<std::size_t>(screen.columns()) - 1, screen.line(2).size());
+}
+
+TEST(VrtoolConsole, IsSharedWithTheRestoreThatHasATimeLimit) {
+    Screen const screen;
+    ASSERT_TRUE(screen.isThere()) << "no console can be made here";
+    test::ScratchKey const key;
+    test::ScratchFolder const folder;
+    auto const header = "[HKEY_CURRENT_USER\\" + test::utf8(key.path()) + "\\]\n";
+    auto const file = folder.write(L"a.reg", header + "\"a\"=\"b\"\n");
+
+    auto const exitCode = test::runTool(
+        {L"registry", L"restore", L"HKCU\\" + key.path(), file, L"--time-limit", L"20"},
+        screen.handle(), screen.handle());
+
+    EXPECT_EQ(0u, exitCode);
+    EXPECT_EQ(L"Restored", screen.line(0).substr(0, 8));
 }
 
 TEST(VrtoolConsole, WidthThatIsAskedForGoesFirst) {

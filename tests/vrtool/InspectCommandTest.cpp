@@ -6,6 +6,7 @@
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/WideText.h"
 #include "tests/vrtool/ToolRun.h"
+#include "tests/vrtool/WorkingFolder.h"
 
 #include <gmock/gmock.h>
 
@@ -38,16 +39,6 @@ std::vector<std::string> namesIn(Json::Value const& array) {
         names.push_back(file["name"].asString() + file["extension"].asString());
     return names;
 }
-
-// The program that is started looks for relative paths here.
-class WorkingFolder {
-  public:
-    explicit WorkingFolder(std::wstring const& path) { SetCurrentDirectoryW(path.c_str()); }
-
-    WorkingFolder(WorkingFolder const&) = delete;
-    WorkingFolder& operator=(WorkingFolder const&) = delete;
-    ~WorkingFolder() { SetCurrentDirectoryW(L"C:\\"); }
-};
 
 class VrtoolInspect : public testing::Test {
   protected:
@@ -328,7 +319,7 @@ TEST_F(VrtoolInspect, TakesNamesThatOtherProgramsReadAsLists) {
     folder.write(L"[a,b]\\1.txt", "");
     folder.write(L"[c]\\2.txt", "");
     folder.write(L"++\\3.txt", "");
-    WorkingFolder const inside(folder.path());
+    test::WorkingFolder const inside(folder.path());
 
     auto const run = test::runTool({L"inspect", L"--json", L"[a,b]", L"[c]", L"++", L"[c]\\2.txt"});
 
@@ -338,7 +329,7 @@ TEST_F(VrtoolInspect, TakesNamesThatOtherProgramsReadAsLists) {
 
 TEST_F(VrtoolInspect, TakesANameWithLeadingDashesBehindADoubleDash) {
     folder.write(L"--json", "");
-    WorkingFolder const inside(folder.path());
+    test::WorkingFolder const inside(folder.path());
 
     auto const run = test::runTool({L"inspect", L"--json", L"--", L"--json"});
 
@@ -347,7 +338,7 @@ TEST_F(VrtoolInspect, TakesANameWithLeadingDashesBehindADoubleDash) {
 
 TEST_F(VrtoolInspect, ShowsRelativePathsAsTheyAre) {
     folder.write(L"day 1\\a.txt", "");
-    WorkingFolder const inside(folder.path());
+    test::WorkingFolder const inside(folder.path());
 
     auto const file = inspectOne(L"day 1");
 

@@ -37,8 +37,9 @@ TEST(Vrtool, HelpListsTheSubcommands) {
     auto const run = test::runTool({L"--help"});
 
     EXPECT_THAT(
-        run.out,
-        AllOf(HasSubstr("Usage: vrtool"), HasSubstr("\n  inspect "), HasSubstr("\n  path ")));
+        run.out, AllOf(
+                     HasSubstr("Usage: vrtool"), HasSubstr("\n  inspect "), HasSubstr("\n  path "),
+                     HasSubstr("\n  settings "), HasSubstr("\n  registry ")));
     EXPECT_EQ("", run.error);
     EXPECT_EQ(0u, run.exitCode);
 }
@@ -63,6 +64,17 @@ TEST(Vrtool, PathsHelpHasAnExample) {
     EXPECT_EQ(0u, run.exitCode);
 }
 
+TEST(Vrtool, HelpOfTheRestoreHidesWhatOnlyItsChildIsToldOf) {
+    auto const run = test::runTool({L"registry", L"restore", L"--help"});
+
+    EXPECT_THAT(
+        run.out,
+        AllOf(
+            HasSubstr("Usage: vrtool registry restore [OPTIONS] KEY FILE"),
+            HasSubstr("--time-limit SECONDS"), HasSubstr("--check"), Not(HasSubstr("surveyed"))));
+    EXPECT_EQ(0u, run.exitCode);
+}
+
 class VrtoolHelp : public testing::TestWithParam<Arguments> {};
 
 TEST_P(VrtoolHelp, FitsATerminalOfEightyColumns) {
@@ -74,8 +86,16 @@ TEST_P(VrtoolHelp, FitsATerminalOfEightyColumns) {
 INSTANTIATE_TEST_SUITE_P(
     Vrtool, VrtoolHelp,
     testing::Values(
-        Arguments{L"--help"}, Arguments{L"inspect", L"--help"}, Arguments{L"path", L"--help"}),
-    [](auto const& test) { return test.index == 0 ? "program" : toUtf8(test.param.front()); });
+        Arguments{L"--help"}, Arguments{L"inspect", L"--help"}, Arguments{L"path", L"--help"},
+        Arguments{L"settings", L"--help"}, Arguments{L"settings", L"get", L"--help"},
+        Arguments{L"settings", L"set", L"--help"}, Arguments{L"registry", L"--help"},
+        Arguments{L"registry", L"dump", L"--help"}, Arguments{L"registry", L"restore", L"--help"}),
+    [](auto const& test) {
+        std::string name = "program";
+        for (std::size_t word = 0; word + 1 < test.param.size(); ++word)
+            name += '_' + toUtf8(test.param[word]);
+        return name;
+    });
 
 struct WrongArguments {
     char const* name;
@@ -129,6 +149,72 @@ INSTANTIATE_TEST_SUITE_P(
             {L"path", L"a", L"\u00fc%s\U0001F3AC"},
             "The following argument was not expected: \xC3\xBC%s\xF0\x9F\x8E\xAC",
             "path [OPTIONS] TEXT"},
+        WrongArguments{
+            "SettingsGetWithoutName",
+            {L"settings", L"get"},
+            "NAME is required",
+            "settings get [OPTIONS] NAME"},
+        WrongArguments{
+            "SettingsGetWithAnUnknownName",
+            {L"settings", L"get", L"[a]"},
+            "NAME: no setting has the name [a]",
+            "settings get [OPTIONS] NAME"},
+        WrongArguments{
+            "SettingsSetWithoutValue",
+            {L"settings", L"set", L"MaximumTransfers"},
+            "VALUE is required",
+            "settings set [OPTIONS] NAME VALUE"},
+        WrongArguments{
+            "SettingsSetWithTwoValues",
+            {L"settings", L"set", L"InterplayWSHost", L"a", L"b"},
+            "The following argument was not expected: b",
+            "settings set [OPTIONS] NAME VALUE"},
+        WrongArguments{
+            "SettingsSubcommandThatIsNone",
+            {L"settings", L"list"},
+            "The following argument was not expected: list",
+            "settings [OPTIONS] [SUBCOMMAND]"},
+        WrongArguments{
+            "RegistryWithoutSubcommand",
+            {L"registry"},
+            "A subcommand is required",
+            "registry [OPTIONS] SUBCOMMAND"},
+        WrongArguments{
+            "DumpWithoutFile",
+            {L"registry", L"dump", L"HKCU\\A"},
+            "FILE is required",
+            "registry dump [OPTIONS] KEY FILE"},
+        WrongArguments{
+            "DumpOfAWholeHive",
+            {L"registry", L"dump", L"HKCU\\", L"a.reg"},
+            "KEY: HKCU\\ names a whole hive; a key below it is wanted",
+            "registry dump [OPTIONS] KEY FILE"},
+        WrongArguments{
+            "DumpOfAnotherHive",
+            {L"registry", L"dump", L"HKU\\A", L"a.reg"},
+            "KEY: HKU\\A begins with none of HKCU\\, HKEY_CURRENT_USER\\, HKLM\\, "
+            "HKEY_LOCAL_MACHINE\\",
+            "registry dump [OPTIONS] KEY FILE"},
+        WrongArguments{
+            "RestoreIntoAWholeHive",
+            {L"registry", L"restore", L"HKLM", L"a.reg"},
+            "KEY: HKLM names a whole hive; a key below it is wanted",
+            "registry restore [OPTIONS] KEY FILE"},
+        WrongArguments{
+            "TimeLimitOfNothing",
+            {L"registry", L"restore", L"HKCU\\A", L"a.reg", L"--time-limit", L"0"},
+            "--time-limit: Value 0 not in range 1 to 86400",
+            "registry restore [OPTIONS] KEY FILE"},
+        WrongArguments{
+            "TimeLimitOfMoreThanADay",
+            {L"registry", L"restore", L"HKCU\\A", L"a.reg", L"--time-limit", L"86401"},
+            "--time-limit: Value 86401 not in range 1 to 86400",
+            "registry restore [OPTIONS] KEY FILE"},
+        WrongArguments{
+            "TimeLimitOfACheck",
+            {L"registry", L"restore", L"HKCU\\A", L"a.reg", L"--time-limit", L"2", L"--check"},
+            "--check excludes --time-limit",
+            "registry restore [OPTIONS] KEY FILE"},
         WrongArguments{
             "WidthThatIsNoNumber",
             {L"--width", L"many", L"path", L"a"},

@@ -6,6 +6,8 @@
 #include "tools/vrtool/ExitCodes.h"
 #include "tools/vrtool/InspectCommand.h"
 #include "tools/vrtool/PathCommand.h"
+#include "tools/vrtool/RegistryCommand.h"
+#include "tools/vrtool/SettingsCommand.h"
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/version.h"
 #include "vrUtils/vrException.h"
@@ -22,6 +24,8 @@ Commands allCommands() {
     Commands commands;
     commands.push_back(std::make_unique<InspectCommand>());
     commands.push_back(std::make_unique<PathCommand>());
+    commands.push_back(std::make_unique<SettingsCommand>());
+    commands.push_back(std::make_unique<RegistryCommand>());
     return commands;
 }
 

@@ -55,7 +55,7 @@ class VRUTILS_API ExternalProcessCallback {
 /// One `Execute` at a time for each object, and one thread at a time for the rest.
 ///
 /// @code
-/// ExternalProcess checker("checker", 5, L"PFC HTML");
+/// ExternalProcess checker(L"checker", 5, L"PFC HTML");
 /// checker.args() << L"C:\\Tools\\check.exe" << clip.str();
 /// if (checker.Execute() != 0) ...
 /// @endcode

@@ -1,0 +1,22 @@
+#include "tools/vrtool/RegistryCommand.h"
+
+namespace {
+
+constexpr char explanation[] =
+    R"(`vrtool registry dump --help` and `vrtool registry restore --help` tell about
+each, with an example.)";
+
+} // namespace
+
+RegistryCommand::RegistryCommand()
+    : Command("registry", "Save a tree of the registry to a file, or restore it", explanation) {}
+
+void RegistryCommand::declare(CLI::App& arguments) {
+    arguments.require_subcommand(1);
+    m_dump.join(arguments);
+    m_restore.join(arguments);
+}
+
+int RegistryCommand::run(Console& console) const {
+    return m_dump.chosen() ? m_dump.run(console) : m_restore.run(console);
+}
