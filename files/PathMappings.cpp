@@ -1,5 +1,6 @@
 #include "files/PathMappings.h"
 
+#include "foundation/Mutex.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -20,7 +21,7 @@ struct PathMapping {
 };
 
 std::list<PathMapping> pathMappings;
-std::mutex pathMappingsLock;
+Mutex pathMappingsLock;
 
 } // namespace
 
