@@ -116,7 +116,8 @@ TEST_F(UncToLocalPathCampaign, StormOfEightThreadsCorruptsNothing) {
         std::vector<std::thread> threads;
         for (unsigned thread = 0; thread < 8; ++thread)
             threads.emplace_back([&] {
-                for (unsigned turn = 0; std::chrono::steady_clock::now() < end; ++turn) {
+                for (unsigned turn = 0;
+                     turn < questions.size() || std::chrono::steady_clock::now() < end; ++turn) {
                     auto const& question = questions[turn % questions.size()];
                     auto const clip = std::to_wstring(turn) + L".mov";
                     auto const result = uncToLocalPath(Path::file(question.folder + clip)).str();

@@ -38,8 +38,8 @@ class UncToLocalPath : public testing::Test {
     static std::wstring share() {
         std::string const name = testing::UnitTest::GetInstance()->current_test_info()->name();
         std::wstring lowered;
-        for (unsigned char const c : name)
-            lowered += static_cast<wchar_t>(std::tolower(c));
+        for (char const c : name)
+            lowered += static_cast<wchar_t>(std::tolower(static_cast<unsigned char>(c)));
         return lowered;
     }
 
