@@ -126,6 +126,7 @@ TEST_F(DriveMappings, ValuesOfTheWrongShapeAreSkipped) {
     m_key.set(L"c list", REG_MULTI_SZ, bytesOf(L"\\\\a\\b"));
     m_key.set(L"d none", REG_NONE, bytesOf(L"\\\\a\\b"));
     m_key.set(L"e odd", REG_SZ, {'a', 0, 0});
+    m_key.set(L"e odd behind a zero", REG_SZ, {'a', 0, 0, 0, 'b'});
     m_key.set(L"f one byte", REG_SZ, {0});
     m_key.set(L"g open", REG_EXPAND_SZ, {'a', 0, 'b', 1});
     m_key.setText(L"h sound", L"\\\\a\\b");

@@ -5,6 +5,8 @@
 
 #include <gmock/gmock.h>
 
+#include <string>
+
 // What a path denotes. It shows in how a text with a dot parses once the path has given its type
 // to it.
 inline vr::Path::eType typeOf(vr::Path const& path) {
@@ -12,6 +14,9 @@ inline vr::Path::eType typeOf(vr::Path const& path) {
     dotted += path.removeCommonRoot(path);
     return dotted.components().extension().empty() ? vr::Path::eFolder : vr::Path::eFile;
 }
+
+// The text of a path as it was entered, which its normal form may hide.
+inline std::wstring textOf(vr::Path path) { return path.modify(vr::Path::eFile).get(); }
 
 MATCHER_P(HasType, type, type == vr::Path::eFile ? "is a file's" : "is a folder's") {
     return typeOf(arg) == type;
