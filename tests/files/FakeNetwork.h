@@ -18,6 +18,7 @@
 #include <winsock2.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstddef>
 #include <cwchar>
@@ -75,11 +76,14 @@ class NameService {
     }
 
   private:
-    // A thread has one answer at a time: the next one takes its place.
+    static constexpr std::size_t mostAddresses = 8;
+
+    // A thread has one answer at a time: the next one takes its place. There is nothing to destroy
+    // in it, since the runtime may free what belongs to a thread before it destroys it.
     struct Answer {
         hostent entry;
-        std::vector<in_addr> binary;
-        std::vector<char*> list;
+        std::array<in_addr, mostAddresses> binary;
+        std::array<char*, mostAddresses + 1> list;
     };
 
     hostent* answer(char const* name) {
@@ -95,14 +99,10 @@ class NameService {
 
         thread_local Answer last;
         last = {};
-        for (auto const& address : host->second) {
-            in_addr binary;
-            binary.s_addr = inet_addr(address.c_str());
-            last.binary.push_back(binary);
+        for (std::size_t index = 0; index < host->second.size(); ++index) {
+            last.binary.at(index).s_addr = inet_addr(host->second[index].c_str());
+            last.list.at(index) = reinterpret_cast<char*>(&last.binary.at(index));
         }
-        for (auto& binary : last.binary)
-            last.list.push_back(reinterpret_cast<char*>(&binary));
-        last.list.push_back(nullptr);
         last.entry.h_addr_list = last.list.data();
         return &last.entry;
     }
