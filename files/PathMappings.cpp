@@ -1,5 +1,6 @@
 #include "files/PathMappings.h"
 
+#include "foundation/Mutex.h"
 #include "foundation/Text.h"
 
 #include <algorithm>
@@ -11,7 +12,7 @@ namespace vrUtils::Files {
 
 namespace {
 
-constexpr std::size_t rowsThatStay = 32;
+constexpr std::size_t mostRows = 33;
 
 // Both in normal form, so that a search parses nothing; the network root in lower case.
 struct PathMapping {
@@ -20,7 +21,7 @@ struct PathMapping {
 };
 
 std::list<PathMapping> pathMappings;
-std::mutex pathMappingsLock;
+Mutex pathMappingsLock;
 
 } // namespace
 
@@ -28,9 +29,10 @@ void addPathMapping(vr::Path const& localRoot, vr::Path const& uncRoot) {
     PathMapping row{
         Strings::toLower(uncRoot.components().wholePath()), localRoot.components().wholePath()};
     std::lock_guard const guard(pathMappingsLock);
-    if (pathMappings.size() > rowsThatStay)
-        pathMappings.pop_front();
+    // In this order, so that no row goes where there is no memory for the new one.
     pathMappings.push_back(std::move(row));
+    if (pathMappings.size() > mostRows)
+        pathMappings.pop_front();
 }
 
 std::wstring findPathMapping(std::wstring const& uncRoot) {

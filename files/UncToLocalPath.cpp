@@ -4,6 +4,7 @@
 #include "files/FoldersBelowShare.h"
 #include "files/PathMappings.h"
 #include "foundation/Log.h"
+#include "foundation/Mutex.h"
 #include "foundation/Platform.h"
 #include "foundation/Text.h"
 #include "vrUtils/Files/MachineIdentity.h"
@@ -23,7 +24,7 @@ std::atomic<bool> driveMappingsLoaded{false};
 
 // Each resolution is logged once.
 std::set<std::wstring> loggedResolutions;
-std::mutex loggedResolutionsLock;
+Mutex loggedResolutionsLock;
 
 bool isNewResolution(std::wstring const& uncRoot, vr::Path const& result) {
     auto key = uncRoot + L'\3' + result.components().wholePath();

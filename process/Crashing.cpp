@@ -1,6 +1,7 @@
 #include "vrUtils/Crashing.h"
 
 #include "foundation/Log.h"
+#include "foundation/Mutex.h"
 #include "foundation/Platform.h"
 #include "foundation/Text.h"
 
@@ -11,7 +12,7 @@ namespace vrUtils::Crashing {
 
 namespace {
 
-std::mutex lock;
+Mutex lock;
 // Lower-cased.
 std::set<std::wstring> primed;
 

@@ -1,5 +1,7 @@
 #include "vrUtils/ProcessStatus.h"
 
+#include "foundation/Mutex.h"
+
 #include <memory>
 #include <mutex>
 
@@ -7,7 +9,7 @@ namespace vrUtils::ProcessStatus {
 
 namespace {
 
-std::mutex lock;
+Mutex lock;
 
 // Never changed in place, so that a reader has the whole text without the lock. Spelt as the
 // system's programs know it.

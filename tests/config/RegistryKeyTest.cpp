@@ -1,8 +1,8 @@
 #include "config/RegistryKey.h"
 
-#include "tests/config/KeyCalls.h"
 #include "tests/support/HandleCount.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/KeyCalls.h"
 #include "tests/support/ScratchKey.h"
 
 #include <gmock/gmock.h>

@@ -1,8 +1,8 @@
 #include "vrUtils/Registry/Values.h"
 
 #include "tests/config/FreshMachine.h"
-#include "tests/config/KeyCalls.h"
 #include "tests/config/RegistryFailures.h"
+#include "tests/support/KeyCalls.h"
 #include "tests/support/LogRecorder.h"
 
 #include <string>

@@ -1,5 +1,5 @@
-#ifndef TESTS_CONFIG_KEYCALLS_H
-#define TESTS_CONFIG_KEYCALLS_H
+#ifndef TESTS_SUPPORT_KEYCALLS_H
+#define TESTS_SUPPORT_KEYCALLS_H
 
 // What a module asks of the registry's keys while this object lives:
 //
