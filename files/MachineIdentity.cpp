@@ -49,10 +49,10 @@ std::list<std::wstring> resolvedHosts(vr::Path const& path) {
 
 std::list<vr::Path> resolveHostInPathToIPAddresses(vr::Path const& path) {
     auto const& parts = path.components();
-    auto const port = portSuffix(parts);
+    auto const behindAddress = portSuffix(parts) + L'\\';
     std::list<vr::Path> resolved;
     for (auto const& address : getHostAddresses(hostOrComputerName(parts)))
-        resolved.push_back(rebased(L"\\\\" + address + port + L'\\', parts));
+        resolved.push_back(rebased(L"\\\\" + address + behindAddress, parts));
     return resolved;
 }
 

@@ -11,7 +11,7 @@ namespace {
 std::atomic<HANDLE> pressed{nullptr};
 
 BOOL WINAPI keepKey(DWORD key) {
-    HANDLE const event = pressed;
+    auto* const event = pressed.load();
     return (key == CTRL_C_EVENT || key == CTRL_BREAK_EVENT) && event && SetEvent(event);
 }
 

@@ -37,7 +37,7 @@ Example:
   vrtool services
   vrtool services start sync)";
 
-constexpr ServiceRequest startRequest{
+ServiceRequest const startRequest{
     "start",
     "Start a service",
     R"(Hands the start over to the service manager and does not wait for it;
@@ -53,7 +53,7 @@ Example:
     "was handed to the service manager to be started",
     "was not started: it is missing, disabled or running already, or the rights are missing"};
 
-constexpr ServiceRequest stopRequest{
+ServiceRequest const stopRequest{
     "stop",
     "Ask a service to stop",
     R"(Asks the service to stop and does not wait for it; `vrtool services` tells what
