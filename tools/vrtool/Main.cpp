@@ -2,18 +2,23 @@
 
 #include "tools/vrtool/Command.h"
 #include "tools/vrtool/CommandLine.h"
+#include "tools/vrtool/ConnectCommand.h"
 #include "tools/vrtool/Console.h"
+#include "tools/vrtool/EndpointCommand.h"
 #include "tools/vrtool/ExitCodes.h"
 #include "tools/vrtool/InspectCommand.h"
 #include "tools/vrtool/LockCommand.h"
 #include "tools/vrtool/PathCommand.h"
+#include "tools/vrtool/PortCommand.h"
 #include "tools/vrtool/RegistryCommand.h"
 #include "tools/vrtool/RunCommand.h"
+#include "tools/vrtool/SameCommand.h"
 #include "tools/vrtool/ServicesCommand.h"
 #include "tools/vrtool/SettingsCommand.h"
 #include "tools/vrtool/TerminateCommand.h"
 #include "tools/vrtool/Utf8.h"
 #include "tools/vrtool/WatchCommand.h"
+#include "tools/vrtool/WhereCommand.h"
 #include "tools/vrtool/WhoamiCommand.h"
 #include "vrUtils/version.h"
 #include "vrUtils/vrException.h"
@@ -38,6 +43,11 @@ Commands allCommands() {
     commands.push_back(std::make_unique<LockCommand>());
     commands.push_back(std::make_unique<ServicesCommand>());
     commands.push_back(std::make_unique<WhoamiCommand>());
+    commands.push_back(std::make_unique<PortCommand>());
+    commands.push_back(std::make_unique<EndpointCommand>());
+    commands.push_back(std::make_unique<WhereCommand>());
+    commands.push_back(std::make_unique<SameCommand>());
+    commands.push_back(std::make_unique<ConnectCommand>());
     return commands;
 }
 
