@@ -366,3 +366,84 @@ TEST(Vrtool, SaysThatItsOutputHasNoReader) {
     EXPECT_EQ(1u, exitCode);
     EXPECT_THAT(folder.read(L"error"), StartsWith("vrtool: cannot write the output: "));
 }
+
+TEST(Vrtool, HelpListsTheSubcommandsOfTheNetwork) {
+    auto const run = test::runTool({L"--help"});
+
+    EXPECT_THAT(
+        run.out, AllOf(
+                     HasSubstr("\n  port "), HasSubstr("\n  endpoint "), HasSubstr("\n  where "),
+                     HasSubstr("\n  same "), HasSubstr("\n  connect ")));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    VrtoolNetwork, VrtoolHelp,
+    testing::Values(
+        Arguments{L"port", L"--help"}, Arguments{L"endpoint", L"--help"},
+        Arguments{L"where", L"--help"}, Arguments{L"same", L"--help"},
+        Arguments{L"connect", L"--help"}),
+    [](auto const& test) { return toUtf8(test.param.front()); });
+
+INSTANTIATE_TEST_SUITE_P(
+    VrtoolNetwork, VrtoolWrongArguments,
+    testing::Values(
+        WrongArguments{"PortWithoutPort", {L"port"}, "PORT is required", "port [OPTIONS] PORT"},
+        WrongArguments{
+            "PortThatIsNoNumber",
+            {L"port", L"many"},
+            "PORT: Value many not in range 0 to 4294967295",
+            "port [OPTIONS] PORT"},
+        WrongArguments{
+            "PortBelowZero",
+            {L"port", L"-1"},
+            "PORT: Value -1 not in range 0 to 4294967295",
+            "port [OPTIONS] PORT"},
+        WrongArguments{
+            "PortTooLarge",
+            {L"port", L"4294967296"},
+            "PORT: Value 4294967296 not in range 0 to 4294967295",
+            "port [OPTIONS] PORT"},
+        WrongArguments{
+            "EndpointWithoutText", {L"endpoint"}, "TEXT is required", "endpoint [OPTIONS] TEXT"},
+        WrongArguments{
+            "InstanceWithoutService",
+            {L"endpoint", L"a", L"--instance", L"2"},
+            "--instance requires --service",
+            "endpoint [OPTIONS] TEXT"},
+        WrongArguments{
+            "InstanceThatIsNoNumber",
+            {L"endpoint", L"a", L"--instance", L"two", L"--service", L"60772"},
+            "--instance: Value two not in range 0 to 4294967295",
+            "endpoint [OPTIONS] TEXT"},
+        WrongArguments{
+            "ServiceThatIsNoNumber",
+            {L"endpoint", L"a", L"--service", L"vrTransfer"},
+            "--service: Value vrTransfer not in range 0 to 4294967295",
+            "endpoint [OPTIONS] TEXT"},
+        WrongArguments{"WhereWithoutPath", {L"where"}, "PATH is required", "where [OPTIONS] PATH"},
+        WrongArguments{
+            "SameWithOnePath",
+            {L"same", L"C:\\a"},
+            "SECOND is required",
+            "same [OPTIONS] FIRST SECOND"},
+        WrongArguments{
+            "SameWithThreePaths",
+            {L"same", L"a", L"b", L"c"},
+            "The following argument was not expected: c",
+            "same [OPTIONS] FIRST SECOND"},
+        WrongArguments{
+            "ConnectWithoutPort",
+            {L"connect", L"a"},
+            "PORT is required",
+            "connect [OPTIONS] HOST PORT"},
+        WrongArguments{
+            "ConnectToPortZero",
+            {L"connect", L"a", L"0"},
+            "PORT: Value 0 not in range 1 to 65535",
+            "connect [OPTIONS] HOST PORT"},
+        WrongArguments{
+            "ConnectToAPortTooLarge",
+            {L"connect", L"a", L"65536"},
+            "PORT: Value 65536 not in range 1 to 65535",
+            "connect [OPTIONS] HOST PORT"}),
+    [](auto const& test) { return test.param.name; });

@@ -2,6 +2,7 @@
 
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/Files/MachineIdentity.h"
+#include "vrUtils/Files/UncToLocalPath.h"
 
 namespace {
 
@@ -33,4 +34,19 @@ Json::Value connectionShareOf(std::wstring const& text) {
     if (root.empty())
         return {};
     return toUtf8(L"\\\\" + root + L'\\' + withoutBackslashes(parts.firstFolder()));
+}
+
+Facts whereaboutsOf(std::wstring const& text) {
+    vr::Path const path(text, vr::Path::eDetect);
+    auto const whole = path.components().wholePath();
+    auto const local = vrUtils::Files::uncToLocalPath(path).components().wholePath();
+    return {
+        {"path", toUtf8(whole)},
+        {"host", hostOf(path)},
+        {"addresses", addressesOf(path)},
+        {"thisMachine", vrUtils::Files::isPathToThisMachine(path)},
+        {"localPath", toUtf8(local)},
+        {"resolution", local == whole ? "unchanged" : "local path"},
+        {"connectionShare", connectionShareOf(text)},
+    };
 }

@@ -1,6 +1,7 @@
 #ifndef TOOLS_VRTOOL_PATHMACHINE_H
 #define TOOLS_VRTOOL_PATHMACHINE_H
 
+#include "tools/vrtool/Facts.h"
 #include "vrUtils/Path.h"
 
 #include <json/json.h>
@@ -19,5 +20,8 @@ Json::Value addressesOf(vr::Path const& path);
 // The share that a connection to the path would go to; null for a path without a host.
 // @param text as the user gave it, since a connection reads it in its own way
 Json::Value connectionShareOf(std::wstring const& text);
+
+// All of it, with the local path that the library knows for the path.
+Facts whereaboutsOf(std::wstring const& text);
 
 #endif

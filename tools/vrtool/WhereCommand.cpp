@@ -3,13 +3,9 @@
 #include "tools/vrtool/CommandLine.h"
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/ExitCodes.h"
-#include "tools/vrtool/Facts.h"
 #include "tools/vrtool/JsonText.h"
 #include "tools/vrtool/PathMachine.h"
 #include "tools/vrtool/SocketLayer.h"
-#include "tools/vrtool/Utf8.h"
-#include "vrUtils/Files/MachineIdentity.h"
-#include "vrUtils/Files/UncToLocalPath.h"
 
 namespace {
 
@@ -27,21 +23,6 @@ Ends with 0, with 1 if the host has no address, 2 if the arguments are wrong.
 Example:
   vrtool where \\media01\share\clip.mxf)";
 
-Facts factsOf(std::wstring const& text) {
-    vr::Path const path(text, vr::Path::eDetect);
-    auto const whole = path.components().wholePath();
-    auto const local = vrUtils::Files::uncToLocalPath(path).components().wholePath();
-    return {
-        {"path", toUtf8(whole)},
-        {"host", hostOf(path)},
-        {"addresses", addressesOf(path)},
-        {"thisMachine", vrUtils::Files::isPathToThisMachine(path)},
-        {"localPath", toUtf8(local)},
-        {"resolution", local == whole ? "unchanged" : "local path"},
-        {"connectionShare", connectionShareOf(text)},
-    };
-}
-
 } // namespace
 
 WhereCommand::WhereCommand()
@@ -55,7 +36,7 @@ void WhereCommand::declare(CLI::App& arguments) {
 
 int WhereCommand::run(Console& console) const {
     SocketLayer const sockets;
-    auto const facts = factsOf(CommandLine::valuesOf(*m_path).front());
+    auto const facts = whereaboutsOf(CommandLine::valuesOf(*m_path).front());
     auto const document = objectOf(facts);
     console.out(m_json ? jsonText(document) : tableOf(facts, console.width()));
     if (!document["addresses"].empty())
