@@ -110,6 +110,12 @@ TEST(VrtoolConnectionShare, IsThatOfThePath) {
     EXPECT_EQ(R"(\\media01\share)", connectionShareOf(LR"(\\media01\share\a\b.mov)").asString());
 }
 
+// It is a file's name.
+TEST(VrtoolConnectionShare, IsNoneOfADottedHostThatNoBackslashCloses) {
+    EXPECT_TRUE(connectionShareOf(LR"(\\10.0.0.1)").isNull());
+    EXPECT_EQ(R"(\\10.0.0.1\)", connectionShareOf(LR"(\\10.0.0.1\)").asString());
+}
+
 TEST(VrtoolConnectionShare, IsNoneWithoutAHost) {
     EXPECT_TRUE(connectionShareOf(L"C:\\share\\a.mov").isNull());
     EXPECT_TRUE(connectionShareOf(L"share\\a.mov").isNull());
