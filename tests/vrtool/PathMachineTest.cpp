@@ -3,6 +3,7 @@
 #include "tools/vrtool/PathMachine.h"
 
 #include "foundation/Platform.h"
+#include "tests/support/AbsentKey.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/WideText.h"
 #include "vrUtils/Storage/ShareConnection.h"
@@ -52,9 +53,15 @@ std::string shareAskedFor(std::wstring const& path) {
     return test::utf8(share);
 }
 
+// Whoever asks for a local path leaves the key of the drive mappings behind.
+class VrtoolPathMachine : public testing::Test {
+  private:
+    test::AbsentKey const m_product{HKEY_LOCAL_MACHINE, L"Software\\Vorrane"};
+};
+
 } // namespace
 
-TEST(VrtoolPathMachine, HasEveryAddressOfItsHost) {
+TEST_F(VrtoolPathMachine, HasEveryAddressOfItsHost) {
     TwoAddresses const network;
 
     auto const addresses = addressesAt(LR"(\\media01:8080\share\a.mxf)");
@@ -64,18 +71,18 @@ TEST(VrtoolPathMachine, HasEveryAddressOfItsHost) {
     EXPECT_EQ("10.0.0.2", addresses[1].asString());
 }
 
-TEST(VrtoolPathMachine, IsThisOneWithoutAHost) {
+TEST_F(VrtoolPathMachine, IsThisOneWithoutAHost) {
     TwoAddresses const network;
 
     EXPECT_EQ(2u, addressesAt(L"C:\\a").size());
     EXPECT_EQ(2u, addressesAt(L"a\\b").size());
 }
 
-TEST(VrtoolPathMachine, HasNoAddressIfItsHostIsNotKnown) {
+TEST_F(VrtoolPathMachine, HasNoAddressIfItsHostIsNotKnown) {
     EXPECT_EQ(Json::Value(Json::arrayValue), addressesAt(LR"(\\media01.invalid\share\a.mxf)"));
 }
 
-TEST(VrtoolPathMachine, HasTheNameOfItsHostWithoutBackslashesAndPort) {
+TEST_F(VrtoolPathMachine, HasTheNameOfItsHostWithoutBackslashesAndPort) {
     EXPECT_EQ("Media01", hostOf(vr::Path::file(LR"(\\Media01:8080\share\a.mxf)")).asString());
     EXPECT_TRUE(hostOf(vr::Path::file(L"C:\\a")).isNull());
 }

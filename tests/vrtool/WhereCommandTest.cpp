@@ -1,5 +1,6 @@
 // `vrtool where` as its users run it.
 
+#include "tests/support/AbsentKey.h"
 #include "tests/support/WideText.h"
 #include "tests/vrtool/ToolRun.h"
 #include "vrUtils/Files/MachineIdentity.h"
@@ -17,9 +18,15 @@ std::string addressOfThisComputer() {
     return test::utf8(host.substr(2, host.size() - 3));
 }
 
+// Whoever asks for a local path leaves the key of the drive mappings behind.
+class VrtoolWhere : public testing::Test {
+  private:
+    test::AbsentKey const m_product{HKEY_LOCAL_MACHINE, L"Software\\Vorrane"};
+};
+
 } // namespace
 
-TEST(VrtoolWhere, FindsAPathOnThisMachine) {
+TEST_F(VrtoolWhere, FindsAPathOnThisMachine) {
     auto const run = test::runTool({L"where", LR"(\\localhost\share\a.mxf)"});
 
     EXPECT_EQ(
@@ -38,7 +45,7 @@ connectionShare  \\localhost\share
     EXPECT_EQ(0u, run.exitCode);
 }
 
-TEST(VrtoolWhere, TellsProgramsTheSame) {
+TEST_F(VrtoolWhere, TellsProgramsTheSame) {
     auto const run = test::runTool({L"where", L"--json", L"C:/Media/a.mxf"});
     auto const document = run.json();
 
@@ -53,7 +60,7 @@ TEST(VrtoolWhere, TellsProgramsTheSame) {
     EXPECT_EQ(0u, run.exitCode);
 }
 
-TEST(VrtoolWhere, SaysThatAHostHasNoAddressBelowAllThatIsKnown) {
+TEST_F(VrtoolWhere, SaysThatAHostHasNoAddressBelowAllThatIsKnown) {
     auto const run = test::runTool({L"where", L"--json", LR"(\\media01.invalid:80\share\a\)"});
     auto const document = run.json();
 
@@ -65,7 +72,7 @@ TEST(VrtoolWhere, SaysThatAHostHasNoAddressBelowAllThatIsKnown) {
     EXPECT_EQ(1u, run.exitCode);
 }
 
-TEST(VrtoolWhere, FindsARelativePathOnNoMachine) {
+TEST_F(VrtoolWhere, FindsARelativePathOnNoMachine) {
     auto const run = test::runTool({L"where", L"--json", L"a\\b.mxf"});
 
     EXPECT_EQ(Json::Value(false), run.json()["thisMachine"]);
@@ -73,14 +80,14 @@ TEST(VrtoolWhere, FindsARelativePathOnNoMachine) {
     EXPECT_EQ(0u, run.exitCode);
 }
 
-TEST(VrtoolWhere, NeedsABackslashBehindAShare) {
+TEST_F(VrtoolWhere, NeedsABackslashBehindAShare) {
     auto const run = test::runTool({L"where", L"--json", LR"(\\localhost\share)"});
 
     EXPECT_EQ(R"(\\localhost\)", run.json()["connectionShare"].asString());
     EXPECT_EQ(0u, run.exitCode);
 }
 
-TEST(VrtoolWhere, TakesAnEmptyText) {
+TEST_F(VrtoolWhere, TakesAnEmptyText) {
     auto const run = test::runTool({L"where", L"--json", {}});
 
     EXPECT_EQ("", run.json()["path"].asString());
