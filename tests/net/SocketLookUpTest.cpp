@@ -87,11 +87,11 @@ auto FailsToResolve(std::wstring const& host) {
 }
 
 struct Host {
-    wchar_t const* host;
+    wchar_t const* text;
     char const* narrow;
 
     friend void PrintTo(Host const& host, std::ostream* stream) {
-        *stream << testing::PrintToString(host.host);
+        *stream << testing::PrintToString(host.text);
     }
 };
 
@@ -121,12 +121,12 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_P(SocketNameLookUp, GoesByNameIfTheFirstCharacterIsALetter) {
     EXPECT_THAT(
-        questionsFor(GetParam().host), ElementsAre(std::string("name ") + GetParam().narrow));
+        questionsFor(GetParam().text), ElementsAre(std::string("name ") + GetParam().narrow));
 }
 
 TEST_P(SocketAddressLookUp, GoesByAddressOtherwise) {
     EXPECT_THAT(
-        questionsFor(GetParam().host),
+        questionsFor(GetParam().text),
         ElementsAre(
             std::string("parse ") + GetParam().narrow, "address 1.2.3.4, length 4, family 2"));
 }
