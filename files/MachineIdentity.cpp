@@ -51,8 +51,11 @@ std::list<vr::Path> resolveHostInPathToIPAddresses(vr::Path const& path) {
     auto const& parts = path.components();
     auto const behindAddress = portSuffix(parts) + L'\\';
     std::list<vr::Path> resolved;
-    for (auto const& address : getHostAddresses(hostOrComputerName(parts)))
-        resolved.push_back(rebased(L"\\\\" + address + behindAddress, parts));
+    for (auto const& address : getHostAddresses(hostOrComputerName(parts))) {
+        std::wstring root = L"\\\\";
+        root.append(address).append(behindAddress);
+        resolved.push_back(rebased(root, parts));
+    }
     return resolved;
 }
 
