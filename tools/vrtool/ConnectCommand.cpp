@@ -19,8 +19,8 @@ namespace {
 
 constexpr char explanation[] =
     R"(Connects over IPv4 as the server's programs do, says how long that and the
-look-up of the address before it took, and ends the connection. It waits as long
-as the transport takes to decide.
+look-up of the address before it took, and ends the connection. It waits as
+long as the transport takes to decide.
 
 Ends with 0, with 1 if the host has no address or does not let itself be
 connected to, 2 if the arguments are wrong.

@@ -2,15 +2,14 @@
 
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/ExitCodes.h"
+#include "tools/vrtool/Facts.h"
 #include "tools/vrtool/JsonText.h"
-#include "tools/vrtool/TextTable.h"
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/Process.h"
 #include "vrUtils/vrException.h"
 
 #include <string>
 #include <utility>
-#include <vector>
 
 namespace Process = vrUtils::Process;
 
@@ -27,9 +26,6 @@ wrong.
 
 Example:
   vrtool whoami)";
-
-// In the order in which they are shown; null is what is not known.
-using Facts = std::vector<std::pair<char const*, Json::Value>>;
 
 Json::Value known(std::wstring const& text) {
     return text.empty() ? Json::Value() : Json::Value(toUtf8(text));
@@ -49,25 +45,8 @@ void addMemory(Facts& facts, Process::AboutProcessMem const* memory) {
         {"peakPagefileUsage", &Process::AboutProcessMem::PeakPagefileUsage},
     };
     for (auto const& [name, counter] : counters)
-        facts.emplace_back(
-            name, memory ? Json::Value(Json::UInt64{memory->*counter}) : Json::Value());
-}
-
-std::string tableOf(Facts const& facts, std::optional<std::size_t> width) {
-    TextTable table({
-        {L"WHAT"},
-        {L"VALUE", TextTable::Align::left, TextTable::Narrow::wrap},
-    });
-    for (auto const& [name, value] : facts)
-        table.addRow({fromUtf8(name), value.isNull() ? L"-" : fromUtf8(value.asString())});
-    return table.text(width);
-}
-
-std::string jsonOf(Facts const& facts) {
-    Json::Value document;
-    for (auto const& [name, value] : facts)
-        document[name] = value;
-    return jsonText(document);
+        facts.push_back(
+            {name, memory ? Json::Value(Json::UInt64{memory->*counter}) : Json::Value()});
 }
 
 } // namespace
@@ -97,6 +76,6 @@ int WhoamiCommand::run(Console& console) const {
         code = ExitCode::failure;
     }
 
-    console.out(m_json ? jsonOf(facts) : tableOf(facts, console.width()));
+    console.out(m_json ? jsonText(objectOf(facts)) : tableOf(facts, console.width()));
     return code;
 }
