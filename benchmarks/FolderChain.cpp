@@ -3,6 +3,7 @@
 #include "benchmarks/Candidate.h"
 #include "benchmarks/Folder.h"
 
+#include "VorraneLog/VorraneLog.h"
 #include "foundation/Platform.h"
 #include "vrUtils/Storage.h"
 
@@ -25,13 +26,20 @@ std::wstring chainBelow(std::wstring const& root) {
     return chain + L'\\';
 }
 
-// The raw calls: one for each level below the drive, whether it exists or not.
-bool makeByCalls(std::wstring const& chain) {
+void logLevel(std::wstring const& level) {
+    VL_WriteLog(7, L"vrUtils", L"Creating Folder [%s]", level.c_str());
+}
+
+// The raw calls: one for each level below the drive, whether it exists or not; and what comes ahead
+// of each.
+template <class Announce>
+bool makeByCalls(std::wstring const& chain, Announce const& announce) {
     bool made = false;
     std::wstring level;
     for (auto end = chain.find(L'\\', 3); end != std::wstring::npos;
          end = chain.find(L'\\', end + 1)) {
         level.assign(chain, 0, end);
+        announce(level);
         made = CreateDirectoryW(level.c_str(), nullptr) || GetLastError() == ERROR_ALREADY_EXISTS;
     }
     return made;
@@ -63,5 +71,8 @@ void benchmarks::registerCandidates() {
 #ifdef PEER_BOOST
     making("boost", [](auto const& chain) { return boost::filesystem::create_directories(chain); });
 #endif
-    making("raw-calls", makeByCalls);
+    making("same-calls", [](auto const& chain) { return makeByCalls(chain, logLevel); });
+    making("raw-calls", [](auto const& chain) {
+        return makeByCalls(chain, [](std::wstring const&) {});
+    });
 }
