@@ -68,9 +68,6 @@ TEST_F(TempFiles, MayBeMadeBehindTheObject) {
 }
 
 TEST_F(TempFiles, AreNoneWithoutAPath) {
-    test::ImportHook<decltype(DeleteFileW)> const deletes(
-        "DeleteFileW", [&](auto... arguments) { return deletes.original()(arguments...); });
-
     { TempFileDeleter const deleter; }
     { TempFileDeleter const deleter{vr::Path()}; }
 
