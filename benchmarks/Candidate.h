@@ -27,6 +27,23 @@ void candidate(char const* row, char const* name, Work work) {
     benchmark::RegisterBenchmark((std::string(row) + '/' + name).c_str(), measure)->UseRealTime();
 }
 
+// Registers one candidate whose work uses up what it works on.
+// @param prepare makes it anew ahead of each run, and is not measured
+template <class Prepare, class Work>
+void preparedCandidate(char const* row, char const* name, Prepare prepare, Work work) {
+    auto const measure = [=](benchmark::State& state) {
+        for (auto _ : state) {
+            state.PauseTiming();
+            prepare();
+            state.ResumeTiming();
+            auto result = work();
+            benchmark::DoNotOptimize(result);
+            benchmark::ClobberMemory();
+        }
+    };
+    benchmark::RegisterBenchmark((std::string(row) + '/' + name).c_str(), measure)->UseRealTime();
+}
+
 // Declares the candidates of a program; each program defines it.
 void registerCandidates();
 

@@ -24,6 +24,9 @@ inline constexpr char trace = 7;
 // the log library is built to survive that.
 void logComposed(char level, std::wstring const& text) noexcept;
 
+// The same under a module name of the caller's.
+void logComposed(char level, std::wstring const& module, std::wstring const& text) noexcept;
+
 } // namespace vrUtils
 
 #endif

@@ -11,9 +11,12 @@
 /// is said otherwise; numbers in their messages are Windows errors in decimal. The free functions
 /// keep no state and may be called from any thread.
 
+#include "vrUtils/Files/AliasSubstitution.h"
+#include "vrUtils/Files/AvidPathNumber.h"
 #include "vrUtils/Files/Exceptions.h"
 #include "vrUtils/Files/FileHandle.h"
 #include "vrUtils/Files/FileQueries.h"
+#include "vrUtils/Files/IndexPaths.h"
 #include "vrUtils/Files/LockFile.h"
 #include "vrUtils/Files/MachineIdentity.h"
 #include "vrUtils/Files/UncToLocalPath.h"

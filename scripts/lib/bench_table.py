@@ -59,6 +59,10 @@ ROWS = {
                          beat={"poco": 2.3}, within={"limit": 1.05}),
     "worker": Row("worker started, stopped, joined", beat={"std": 1}, within={"limit": 1.05}),
     "wake": Row("worker woken, answer awaited", within={"limit": 1.05}),
+    "delete-tree": Row("tree of 2,000 files in 200 folders deleted",
+                       beat={"std": 1.4, "boost": 1.05, "poco": 1}, within={"raw-calls": 1.1}),
+    "make-chain": Row("chain of 10 folders made", beat={"std": 1}, within={"raw-calls": 1.1}),
+    "make-chain-again": Row("chain of 10 folders that exists made again"),
     "lock": Row("file locked and released", beat={"boost": 1}, within={"limit": 1.25}),
     "tcp-64B": Row("64 bytes over TCP and back", within={"limit": 1.05}),
     "tcp-256MiB": Row("256 MiB over TCP", within={"limit": 1.05}),
@@ -105,6 +109,8 @@ REASONS = """\
 - A network path found in the table takes two parses, the argument's and the result's. What makes it
   dearer than three is the rest: a dozen strings, and the key that keeps a resolution from being logged
   twice.
+- Deleting a tree makes each file and folder normal ahead of its deletion, as is promised; none of the
+  peers does. That call is nearly half of the time, and without it ours would stand where "limit" does.
 - 256 MiB over TCP: the least times of ours and the raw calls are equal; the medians differ by chance."""
 
 
