@@ -23,7 +23,9 @@ class FakeEntries {
     // A name and its attributes.
     using Entry = std::pair<std::wstring, DWORD>;
 
-    FakeEntries(std::initializer_list<Entry> entries) : m_entries(entries) {}
+    FakeEntries(std::initializer_list<Entry> entries) : FakeEntries(std::vector<Entry>(entries)) {}
+
+    explicit FakeEntries(std::vector<Entry> entries) : m_entries(std::move(entries)) {}
 
     // The patterns that were searched for, in order.
     std::vector<std::wstring> const& patterns() const noexcept { return m_patterns; }

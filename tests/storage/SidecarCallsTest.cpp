@@ -18,6 +18,7 @@
 #include <regex>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 using test::Logged;
@@ -181,6 +182,24 @@ TEST_F(SidecarCalls, ReportEachAllocationThatFails) {
 
     EXPECT_GT(failed, 20u);
     EXPECT_EQ(search.calls(), close.calls());
+}
+
+TEST_F(SidecarCalls, CostTheSameForEachEntryHoweverManyThereAre) {
+    auto const allocationsAmong = [this](int count) {
+        std::vector<test::FakeEntries::Entry> names;
+        for (int entry = 0; entry < count; ++entry)
+            names.emplace_back(L"Entry " + std::to_wstring(10000 + entry), 0);
+        test::FakeEntries const entries(std::move(names));
+        test::AllocationCounter const counter;
+        find();
+        return counter.allocations();
+    };
+
+    auto const amongOneThousand = allocationsAmong(1000);
+    auto const amongTwoThousand = allocationsAmong(2000);
+    auto const amongThreeThousand = allocationsAmong(3000);
+
+    EXPECT_EQ(amongThreeThousand - amongTwoThousand, amongTwoThousand - amongOneThousand);
 }
 
 TEST_F(SidecarCalls, LeaveAThreadThatIsAFiberOne) {
