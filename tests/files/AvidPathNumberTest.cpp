@@ -15,7 +15,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <future>
-#include <set>
 #include <string>
 #include <thread>
 #include <vector>

@@ -19,6 +19,7 @@
 #include <ostream>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 using testing::ElementsAre;
@@ -313,7 +314,7 @@ TEST_F(FileExistsUnderAlias, RewritesAPathThatFitsTheBuffer) {
 }
 
 TEST_F(FileExistsUnderAlias, LeavesAPathThatWouldBeCut) {
-    for (std::size_t const length : {260, 261, 262, 1000}) {
+    for (std::size_t const length : {260u, 261u, 262u, 1000u}) {
         RemoteFiles const files;
         auto const text = pathOfLength(L"ALIAS-FILES", length);
         Path path(text, Path::eFile);
@@ -327,7 +328,7 @@ TEST_F(FileExistsUnderAlias, LeavesAPathThatWouldBeCut) {
 }
 
 TEST_F(FindFileAsAlias, RewritesAPathThatFitsTheBuffer) {
-    for (std::size_t const length : {258, 259, 260}) {
+    for (std::size_t const length : {258u, 259u, 260u}) {
         RemoteFiles const files;
         Path path(pathOfLength(L"ALIAS-STORAGE", length), Path::eFile);
 
@@ -338,7 +339,7 @@ TEST_F(FindFileAsAlias, RewritesAPathThatFitsTheBuffer) {
 }
 
 TEST_F(FindFileAsAlias, CutsALongerPath) {
-    for (std::size_t const length : {261, 262, 1000}) {
+    for (std::size_t const length : {261u, 262u, 1000u}) {
         RemoteFiles const files;
         Path path(pathOfLength(L"ALIAS-STORAGE", length), Path::eFile);
 

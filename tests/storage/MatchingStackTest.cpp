@@ -9,7 +9,6 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdint>
 #include <exception>
 #include <new>
 #include <ostream>
@@ -68,10 +67,11 @@ class FiberOfTheTest {
     ~FiberOfTheTest() { ConvertFiberToThread(); }
 };
 
-// Where the stack of the running code is, roughly.
-std::uintptr_t stackPlace() {
-    int volatile local = 0;
-    return reinterpret_cast<std::uintptr_t>(&local);
+// The stack of the running code, by the address of its memory.
+void* runningStack() {
+    MEMORY_BASIC_INFORMATION memory{};
+    VirtualQuery(&memory, &memory, sizeof memory);
+    return memory.AllocationBase;
 }
 
 struct WrittenOut {
@@ -122,15 +122,11 @@ TEST(MatchingStack, RunsTheWorkOnTheThreadThatCalls) {
 }
 
 TEST(MatchingStack, IsAnotherThanThatOfTheThread) {
-    MEMORY_BASIC_INFORMATION outside{};
-    MEMORY_BASIC_INFORMATION inside{};
-    VirtualQuery(reinterpret_cast<void*>(stackPlace()), &outside, sizeof outside);
+    void* inside = nullptr;
 
-    onMatchingStack(L"a", 1, [&] {
-        VirtualQuery(reinterpret_cast<void*>(stackPlace()), &inside, sizeof inside);
-    });
+    onMatchingStack(L"a", 1, [&] { inside = runningStack(); });
 
-    EXPECT_NE(outside.AllocationBase, inside.AllocationBase);
+    EXPECT_NE(runningStack(), inside);
 }
 
 TEST(MatchingStack, IsAsLargeAsNeeded) {

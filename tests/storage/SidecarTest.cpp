@@ -3,7 +3,6 @@
 #include "vrUtils/Storage/Sidecar.h"
 
 #include "tests/storage/FakeEntries.h"
-#include "tests/support/HandleCount.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/ScratchFolder.h"
 
