@@ -69,6 +69,13 @@ ROWS = {
     "endpoint": Row("endpoint split", beat={"stream": 1}),
     "unc-first-row": Row("network path found in the first row", within={"three-parses": 1}),
     "unc-last-row": Row("network path found in row 33", within={"three-parses": 1}),
+    "to-index": Row("archive path to its index path", within={"three-parses": 1}),
+    "to-archive": Row("index path to its archive path", within={"three-parses": 1}),
+    "numbered-roomy": Row("numbered folder with room, of 1,000 files", within={"counting": 1.05}),
+    "numbered-full": Row("numbered folder behind a full one", beat={"counting": 1}),
+    "sidecar-100": Row("sidecar among 100 entries", beat={"std": 1}),
+    "sidecar-1000": Row("sidecar among 1,000 entries", beat={"std": 1}),
+    "sidecar-10000": Row("sidecar among 10,000 entries", beat={"std": 1}),
     "command-line": Row("command line of 7 parameters split",
                         beat={"CommandLineToArgvW": 1.4}, within={"hand": 1.3}),
     "command-line-64Ki": Row("command line of 64 Ki characters split", within={"hand": 1.3}),
@@ -79,6 +86,7 @@ ROWS = {
 SCALING = [
     ("lines-1Mi", "lines-16Mi", "16 times the text", 22),
     ("command-line-64Ki", "command-line-1Mi", "16 times the text", 24),
+    ("sidecar-1000", "sidecar-10000", "10 times the entries", 12),
     ("registry-dump-1000", "registry-dump-10000", "10 times the values", 13),
     ("registry-restore-1000", "registry-restore-10000", "10 times the values", 13),
 ]
@@ -111,6 +119,10 @@ REASONS = """\
   twice.
 - Deleting a tree makes each file and folder normal ahead of its deletion, as is promised; none of the
   peers does. That call is nearly half of the time, and without it ours would stand where "limit" does.
+- Among ten times the entries the search for a sidecar is as slow as the platform's own listing, which
+  takes 15 to 18 times as long, in memory and on disk. What the search adds took 10 and 11 times as
+  long in two runs and 23 times in a third, on a busy machine; its allocations for each entry are the
+  same, as a test proves.
 - 256 MiB over TCP: the least times of ours and the raw calls are equal; the medians differ by chance."""
 
 
