@@ -43,14 +43,17 @@ std::optional<std::string> nextAnswer(CancelKey const& key) {
     if (!reading->done)
         throw std::system_error(
             static_cast<int>(reading->error), std::system_category(), "cannot wait for an answer");
-    std::thread([reading, input = GetStdHandle(STD_INPUT_HANDLE)] {
+    std::thread reader([reading, input = GetStdHandle(STD_INPUT_HANDLE)] {
         reading->line = readLine(input);
         SetEvent(reading->done.get());
-    }).detach();
+    });
 
     std::array<HANDLE, 2> const events{key.event(), reading->done.get()};
-    if (WaitForMultipleObjects(2, events.data(), FALSE, INFINITE) != WAIT_OBJECT_0 + 1)
+    if (WaitForMultipleObjects(2, events.data(), FALSE, INFINITE) != WAIT_OBJECT_0 + 1) {
+        reader.detach();
         return {};
+    }
+    reader.join();
     if (reading->line)
         *reading->line = boost::to_lower_copy(boost::trim_copy(*reading->line));
     return reading->line;

@@ -10,9 +10,10 @@
 #include "vrUtils/Path.h"
 #include "vrUtils/Storage/DiskSpace.h"
 
+#include <charconv>
 #include <iterator>
-#include <limits>
 #include <optional>
+#include <system_error>
 
 namespace Storage = vrUtils::Storage;
 
@@ -56,6 +57,17 @@ char const* verdictOf(long result) {
     return result == Storage::DiskSpaceNotEnough ? "not enough" : "unknown";
 }
 
+// The parser itself would wrap a minus sign and cut what is too large.
+// @return what is wrong with the number; empty if nothing is
+std::string wrongByteCount(std::string const& text) {
+    std::uint64_t number = 0;
+    auto const* const end = text.data() + text.size();
+    auto const [stop, failure] = std::from_chars(text.data(), end, number);
+    if (failure == std::errc() && stop == end)
+        return {};
+    return "Value " + text + " not in range 0 to 18446744073709551615";
+}
+
 } // namespace
 
 DiskCommand::DiskCommand()
@@ -63,10 +75,9 @@ DiskCommand::DiskCommand()
 
 void DiskCommand::declare(CLI::App& arguments) {
     m_target = arguments.add_option("TARGET")->required();
-    m_target->description("A folder on a disk or a share; in quotes if it holds blanks");
+    m_target->description("A folder; in quotes if it holds blanks");
     arguments.add_option("BYTES", m_required, "What the transfer needs")
-        ->check(
-            CLI::Range(std::uint64_t{0}, std::numeric_limits<std::uint64_t>::max()).description(""))
+        ->check(wrongByteCount)
         ->type_name("")
         ->required();
     arguments.add_flag("--json", m_json, "Print an object instead of the table");
