@@ -4,6 +4,7 @@
 
 #include "tests/support/ImportHook.h"
 #include "tests/support/ScratchComputerName.h"
+#include "tests/support/WideText.h"
 #include "tests/vrtool/RunHere.h"
 #include "tests/vrtool/ToolRun.h"
 
@@ -68,4 +69,19 @@ TEST(VrtoolPlaces, OfAShellThatFailsShowWhy) {
     EXPECT_EQ("Unable to find Common Application Data Folder", failures["quantumData"].asString());
     EXPECT_EQ(3u, failures.size());
     EXPECT_EQ(1u, run.exitCode);
+}
+
+TEST(VrtoolPlaces, HaveASubfolderThatIsMade) {
+    auto const name = L"vrtool-" + std::to_wstring(GetCurrentProcessId());
+    auto const product = LR"(C:\ProgramData\Vorrane\)" + name;
+
+    auto const run = test::runTool({L"places", L"--json", L"--subfolder", name + LR"(\Day 1\)"});
+    auto const wasMade = RemoveDirectoryW((product + LR"(\Day 1)").c_str()) != FALSE;
+    RemoveDirectoryW(product.c_str());
+
+    EXPECT_TRUE(wasMade);
+    EXPECT_EQ(test::utf8(product) + R"(\Day 1\)", run.json()["vorraneData"].asString());
+    EXPECT_EQ(
+        R"(C:\ProgramData\Quantum\)" + test::utf8(name) + R"(\Day 1\)",
+        run.json()["quantumData"].asString());
 }

@@ -13,6 +13,7 @@ class PlacesCommand : public Command {
   private:
     void declare(CLI::App& arguments) override;
 
+    CLI::Option* m_subfolder = nullptr;
     bool m_json = false;
 };
 
