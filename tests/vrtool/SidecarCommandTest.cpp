@@ -153,6 +153,17 @@ TEST_F(VrtoolSidecar, TellsThatAnExpressionIsTooLong) {
     EXPECT_TRUE(document["sidecar"].isNull());
 }
 
+TEST_F(VrtoolSidecar, TellsTheLibrarysAnswerWhereItHasNoneOfItsOwn) {
+    folder.write(L"a.xml", "a");
+    std::wstring const name(900, L'a');
+
+    auto const document = steps(name, name, L"a.xml");
+
+    EXPECT_EQ("too long to be tried step by step", document["failures"]["matches"].asString());
+    EXPECT_EQ(shown + "a.xml", document["sidecar"].asString());
+    EXPECT_EQ("found by the library alone", document["verdict"].asString());
+}
+
 TEST_F(VrtoolSidecar, FillsTheNameAsTheLibraryDoes) {
     auto const filled = [this](std::wstring const& name) {
         return steps(L"a-b.mov", LR"((a)-(b)(x)?\.mov)", name)["filledName"].asString();
@@ -164,6 +175,12 @@ TEST_F(VrtoolSidecar, FillsTheNameAsTheLibraryDoes) {
     EXPECT_EQ(R"(\a)", filled(LR"(\\1)"));
     EXPECT_EQ(R"(a\)", filled(LR"(\1\)"));
     EXPECT_EQ(R"(\:)", filled(LR"(\:)"));
+}
+
+TEST_F(VrtoolSidecar, KnowsNoCaptureBehindTheNinth) {
+    auto const document = steps(L"abcdefghij", L"(a)(b)(c)(d)(e)(f)(g)(h)(i)(j)", LR"(\9\:\10)");
+
+    EXPECT_EQ(R"(i\:a0)", document["filledName"].asString());
 }
 
 TEST_F(VrtoolSidecar, TellsWhichCaptureTookNoPart) {

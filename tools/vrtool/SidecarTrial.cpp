@@ -71,8 +71,9 @@ std::wstring filled(std::wstring const& name, std::wsmatch const& captures) {
     for (std::size_t position = 0; position < name.size(); ++position) {
         bool const isLast = position + 1 == name.size();
         auto const next = isLast ? L'\0' : name[position + 1];
+        // What stands before the digits becomes a very large number.
         auto const digit = static_cast<std::size_t>(next - L'0');
-        bool const isPlaceholder = name[position] == L'\\' && next >= L'0' && next <= L'9' &&
+        bool const isPlaceholder = name[position] == L'\\' && digit <= 9 &&
                                    digit < captures.size() && captures[digit].matched;
         if (isPlaceholder) {
             result += captures[digit].str();
