@@ -8,9 +8,11 @@
 #include "tests/vrtool/RunHere.h"
 #include "tests/vrtool/ToolRun.h"
 
+#include <winsock2.h>
+
 #include <gmock/gmock.h>
 
-using testing::HasSubstr;
+#include <system_error>
 
 TEST(VrtoolFind, TellsOfAFileThatIsThere) {
     test::ScratchFolder const folder;
@@ -56,6 +58,14 @@ exists     no
 )",
         run.out);
     EXPECT_EQ(1u, run.exitCode);
+}
+
+// Some platforms have a name service without it.
+TEST(VrtoolFind, NeedsTheSocketLayer) {
+    test::FailingImport<decltype(WSAStartup)> const fails(
+        "WSAStartup", WSASYSNOTREADY, 0, 1, test::thisProgram());
+
+    EXPECT_THROW(test::runHere<FindCommand>("find", {R"(C:\a.mxf)"}), std::system_error);
 }
 
 TEST(VrtoolFind, LeavesALocalPathAsItIs) {
