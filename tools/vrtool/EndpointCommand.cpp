@@ -4,7 +4,6 @@
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/ExitCodes.h"
 #include "tools/vrtool/Facts.h"
-#include "tools/vrtool/JsonText.h"
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/Instancing.h"
 #include "vrUtils/TcpComms.h"
@@ -54,15 +53,6 @@ void addService(
         return basePort ? toUtf8(Instancing::changePortPreservingInstance(text, *basePort))
                         : Json::Value();
     }));
-}
-
-std::string jsonOf(Facts const& facts) {
-    auto document = objectOf(facts);
-    document["failures"] = Json::Value(Json::objectValue);
-    for (auto const& fact : facts)
-        if (!fact.failure.empty())
-            document["failures"][fact.name] = toUtf8(fact.failure);
-    return jsonText(document);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #include "tools/vrtool/Facts.h"
 
+#include "tools/vrtool/JsonText.h"
 #include "tools/vrtool/TextTable.h"
 #include "tools/vrtool/Utf8.h"
 
@@ -53,4 +54,13 @@ Json::Value objectOf(Facts const& facts) {
     for (auto const& fact : facts)
         object[fact.name] = fact.value;
     return object;
+}
+
+std::string jsonOf(Facts const& facts) {
+    auto document = objectOf(facts);
+    document["failures"] = Json::Value(Json::objectValue);
+    for (auto const& fact : facts)
+        if (!fact.failure.empty())
+            document["failures"][fact.name] = toUtf8(fact.failure);
+    return jsonText(document);
 }

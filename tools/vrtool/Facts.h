@@ -1,6 +1,7 @@
 #ifndef TOOLS_VRTOOL_FACTS_H
 #define TOOLS_VRTOOL_FACTS_H
 
+#include "vrUtils/Storage/Exceptions.h"
 #include "vrUtils/vrException.h"
 
 #include <json/json.h>
@@ -29,6 +30,8 @@ Fact findFact(char const* name, Find const& result) {
         return {name, result()};
     } catch (vrException const& failure) {
         return {name, {}, failure.message()};
+    } catch (vrUtils::Storage::vrStorageException const& failure) {
+        return {name, {}, failure.text()};
     }
 }
 
@@ -39,5 +42,9 @@ std::string tableOf(Facts const& facts, std::optional<std::size_t> width);
 
 // An object with a member for each.
 Json::Value objectOf(Facts const& facts);
+
+// That object as this program prints it, with a member "failures" that has the texts of the
+// failures by the names of their facts.
+std::string jsonOf(Facts const& facts);
 
 #endif

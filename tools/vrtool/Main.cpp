@@ -1,20 +1,28 @@
 // vrtool, the operator's command-line program: reads the command line, runs the subcommand.
 
+#include "tools/vrtool/ArchiveCommand.h"
 #include "tools/vrtool/Command.h"
 #include "tools/vrtool/CommandLine.h"
 #include "tools/vrtool/ConnectCommand.h"
 #include "tools/vrtool/Console.h"
+#include "tools/vrtool/DiskCommand.h"
 #include "tools/vrtool/EndpointCommand.h"
 #include "tools/vrtool/ExitCodes.h"
+#include "tools/vrtool/FindCommand.h"
+#include "tools/vrtool/IndexCommand.h"
 #include "tools/vrtool/InspectCommand.h"
 #include "tools/vrtool/LockCommand.h"
+#include "tools/vrtool/NumberCommand.h"
 #include "tools/vrtool/PathCommand.h"
+#include "tools/vrtool/PlacesCommand.h"
 #include "tools/vrtool/PortCommand.h"
 #include "tools/vrtool/RegistryCommand.h"
+#include "tools/vrtool/RemoveCommand.h"
 #include "tools/vrtool/RunCommand.h"
 #include "tools/vrtool/SameCommand.h"
 #include "tools/vrtool/ServicesCommand.h"
 #include "tools/vrtool/SettingsCommand.h"
+#include "tools/vrtool/SidecarCommand.h"
 #include "tools/vrtool/TerminateCommand.h"
 #include "tools/vrtool/Utf8.h"
 #include "tools/vrtool/WatchCommand.h"
@@ -48,6 +56,14 @@ Commands allCommands() {
     commands.push_back(std::make_unique<WhereCommand>());
     commands.push_back(std::make_unique<SameCommand>());
     commands.push_back(std::make_unique<ConnectCommand>());
+    commands.push_back(std::make_unique<DiskCommand>());
+    commands.push_back(std::make_unique<SidecarCommand>());
+    commands.push_back(std::make_unique<FindCommand>());
+    commands.push_back(std::make_unique<IndexCommand>());
+    commands.push_back(std::make_unique<ArchiveCommand>());
+    commands.push_back(std::make_unique<NumberCommand>());
+    commands.push_back(std::make_unique<PlacesCommand>());
+    commands.push_back(std::make_unique<RemoveCommand>());
     return commands;
 }
 
