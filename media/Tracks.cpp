@@ -20,8 +20,9 @@ wchar_t const* typeName(vrTrackType type) {
         return L"Segment";
     case eTrackComment:
         return L"Comment";
+    default:
+        return L"Unknown";
     }
-    return L"Unknown";
 }
 
 } // namespace vrUtils::Tracks

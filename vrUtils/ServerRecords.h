@@ -15,7 +15,8 @@
 ///
 /// A build inside the server family names the server's own header instead, for the library and for
 /// its hosts alike: `VRUTILS_SERVER_RECORDS="server/Records.h"` (with the quotes). That header then
-/// declares all the types of this one, with these members in this order.
+/// declares all the types of this one under these names, with these members and enumerators; it may
+/// have more of both, and longer texts.
 
 #ifdef VRUTILS_SERVER_RECORDS
 #include VRUTILS_SERVER_RECORDS
