@@ -56,15 +56,6 @@ void addService(
     }));
 }
 
-std::string jsonOf(Facts const& facts) {
-    auto document = objectOf(facts);
-    document["failures"] = Json::Value(Json::objectValue);
-    for (auto const& fact : facts)
-        if (!fact.failure.empty())
-            document["failures"][fact.name] = toUtf8(fact.failure);
-    return jsonText(document);
-}
-
 } // namespace
 
 EndpointCommand::EndpointCommand()
@@ -87,6 +78,6 @@ int EndpointCommand::run(Console& console) const {
     auto const text = CommandLine::valuesOf(*m_text).front();
     auto facts = factsOf(text);
     addService(facts, text, *m_service ? std::optional(m_basePort) : std::nullopt, m_instance);
-    console.out(m_json ? jsonOf(facts) : tableOf(facts, console.width()));
+    console.out(m_json ? jsonText(objectWithFailures(facts)) : tableOf(facts, console.width()));
     return hasFailure(facts) ? ExitCode::failure : ExitCode::success;
 }

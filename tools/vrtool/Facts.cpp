@@ -54,3 +54,12 @@ Json::Value objectOf(Facts const& facts) {
         object[fact.name] = fact.value;
     return object;
 }
+
+Json::Value objectWithFailures(Facts const& facts) {
+    auto document = objectOf(facts);
+    document["failures"] = Json::Value(Json::objectValue);
+    for (auto const& fact : facts)
+        if (!fact.failure.empty())
+            document["failures"][fact.name] = toUtf8(fact.failure);
+    return document;
+}

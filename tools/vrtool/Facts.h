@@ -40,4 +40,7 @@ std::string tableOf(Facts const& facts, std::optional<std::size_t> width);
 // An object with a member for each.
 Json::Value objectOf(Facts const& facts);
 
+// The same with `failures`, an object of the failures under the names of what is not known.
+Json::Value objectWithFailures(Facts const& facts);
+
 #endif

@@ -8,6 +8,7 @@
 #include "tools/vrtool/ExitCodes.h"
 #include "tools/vrtool/InspectCommand.h"
 #include "tools/vrtool/LockCommand.h"
+#include "tools/vrtool/NamesCommand.h"
 #include "tools/vrtool/PathCommand.h"
 #include "tools/vrtool/PortCommand.h"
 #include "tools/vrtool/RegistryCommand.h"
@@ -16,6 +17,7 @@
 #include "tools/vrtool/ServicesCommand.h"
 #include "tools/vrtool/SettingsCommand.h"
 #include "tools/vrtool/TerminateCommand.h"
+#include "tools/vrtool/TimecodeCommand.h"
 #include "tools/vrtool/Utf8.h"
 #include "tools/vrtool/WatchCommand.h"
 #include "tools/vrtool/WhereCommand.h"
@@ -48,6 +50,8 @@ Commands allCommands() {
     commands.push_back(std::make_unique<WhereCommand>());
     commands.push_back(std::make_unique<SameCommand>());
     commands.push_back(std::make_unique<ConnectCommand>());
+    commands.push_back(std::make_unique<TimecodeCommand>());
+    commands.push_back(std::make_unique<NamesCommand>());
     return commands;
 }
 
