@@ -21,13 +21,16 @@ FrameClock::FrameClock(EFrameRate rate)
       m_dropped((m_framesPerSecond * secondsOfADay - m_dayLength) / droppingMinutesOfADay) {}
 
 std::uint32_t FrameClock::framesOf(std::string const& text) const {
-    std::smatch parts;
-    if (std::regex_match(text, std::regex("[0-9]{1,10}"))) {
+    static std::regex const aNumber("[0-9]{1,10}");
+    static std::regex const aTime("([0-9]{2}):([0-9]{2}):([0-9]{2}):([0-9]{2})");
+
+    if (std::regex_match(text, aNumber)) {
         auto const number = std::stoull(text);
         if (number <= std::numeric_limits<std::uint32_t>::max())
             return static_cast<std::uint32_t>(number);
     }
-    if (!std::regex_match(text, parts, std::regex("([0-9]{2}):([0-9]{2}):([0-9]{2}):([0-9]{2})")))
+    std::smatch parts;
+    if (!std::regex_match(text, parts, aTime))
         throw std::invalid_argument(
             text + " is neither a number up to 4294967295 nor a time hh:mm:ss:ff");
 

@@ -26,7 +26,7 @@ the one file or --file-name, or for --type 20 after --source-name.
 Ends with 0, with 1 if a message has no name, 2 if the arguments are wrong.
 
 Example:
-  vrtool names --host media01 --folder share\Out --file clip1.mxf --prefix done_)";
+  vrtool names --host media01 --folder share\Out --file clip.mxf --prefix done_)";
 
 // The text of an option that may be given once; empty if it is not.
 std::wstring textOf(CLI::Option const& option) {
