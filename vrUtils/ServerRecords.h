@@ -12,6 +12,15 @@
 /// and each operation tells what it makes of it.
 ///
 /// These are plain values without locks: one object is for one thread at a time.
+///
+/// A build inside the server family names the server's own header instead, for the library and for
+/// its hosts alike: `VRUTILS_SERVER_RECORDS="server/Records.h"` (with the quotes). That header then
+/// declares all the types of this one under these names, with these members and enumerators; it may
+/// have more of both, and longer texts.
+
+#ifdef VRUTILS_SERVER_RECORDS
+#include VRUTILS_SERVER_RECORDS
+#else
 
 #include "vrUtils/Path.h"
 
@@ -123,5 +132,7 @@ struct TransferParams : SrvrParam {
     std::deque<TransferFile> files;   ///< the files of a transfer of many; may be empty
     wchar_t sourceName[260] = {};     ///< a name to use as it stands, for a target of type 20
 };
+
+#endif
 
 #endif

@@ -16,11 +16,13 @@ from dataclasses import dataclass, field
 
 @dataclass
 class Row:
-    """An operation, and what is to be reached: "beat" by a factor, "within" a factor of."""
+    """An operation, and what is to be reached: "beat" by a factor, "within" a factor of, and for ours
+    alone "under" so many nanoseconds."""
 
     title: str
     beat: dict = field(default_factory=dict)
     within: dict = field(default_factory=dict)
+    under: float = None
 
 
 ROWS = {
@@ -35,6 +37,7 @@ ROWS = {
     "lines-16Mi": Row("lines of 16 Mi characters", beat={"getline": 1.25}),
     "decode-64": Row("URL of 64 bytes decoded", beat={"UrlUnescapeA": 1, "poco": 1.5}),
     "decode-1Mi": Row("URL text of 1 MiB decoded", beat={"UrlUnescapeA": 1}),
+    "adjustment": Row("in-point moved over midnight", under=10),
     "header-wav": Row("WAV header from memory", beat={"libsndfile": 15}),
     "header-aiff": Row("AIFF header from memory", beat={"libsndfile": 8}),
     "load-4KiB": Row("load 4 KiB", beat={"ifstream": 1}, within={"limit": 1.05}),
@@ -150,8 +153,10 @@ def time_text(nanoseconds):
     return f"{nanoseconds:.1f} ns"
 
 
-def goal_cells(row, candidate, ratio):
+def goal_cells(row, candidate, median, ratio):
     """What is to be reached beside this candidate, and whether it is."""
+    if candidate == "ours" and row.under:
+        return f"under {time_text(row.under)}", median < row.under
     if candidate in row.beat:
         factor = row.beat[candidate]
         return f"{factor:g} times faster" if factor != 1 else "faster", ratio >= factor
@@ -173,7 +178,7 @@ def row_lines(name, candidates):
     for candidate in by_speed:
         repetitions = candidates[candidate]
         median = statistics.median(repetitions)
-        goal, reached = goal_cells(row, candidate, median / ours) if ours else ("", None)
+        goal, reached = goal_cells(row, candidate, median, median / ours) if ours else ("", None)
         yield (row.title, candidate, time_text(median), time_text(min(repetitions)),
                time_text(max(repetitions)), f"{median / ours:.2f}" if ours else "", goal,
                answer(reached))

@@ -58,6 +58,17 @@ TEST(VrtoolFacts, AreMembersOfAnObject) {
     EXPECT_TRUE(object.isMember("b") && object["b"].isNull());
 }
 
+TEST(VrtoolFacts, HaveTheirFailuresBesideThem) {
+    auto const object = objectWithFailures({{"a", 1}, {"b", {}, L"no \u00FC"}});
+
+    EXPECT_EQ(3u, object.size());
+    EXPECT_EQ(1, object["a"].asInt());
+    EXPECT_TRUE(object.isMember("b") && object["b"].isNull());
+    EXPECT_EQ(1u, object["failures"].size());
+    EXPECT_EQ("no \xC3\xBC", object["failures"]["b"].asString());
+    EXPECT_EQ(Json::Value(Json::objectValue), objectWithFailures({{"a", 1}})["failures"]);
+}
+
 TEST(VrtoolFacts, KeepTheTextOfAFailure) {
     auto const fact =
         findFact("a", []() -> Json::Value { throw vrException("Test", 1, L"no a", 1u); });

@@ -41,7 +41,8 @@ TEST(Vrtool, HelpListsTheSubcommands) {
                      HasSubstr("Usage: vrtool"), HasSubstr("\n  inspect "), HasSubstr("\n  path "),
                      HasSubstr("\n  settings "), HasSubstr("\n  registry "), HasSubstr("\n  run "),
                      HasSubstr("\n  watch "), HasSubstr("\n  terminate "), HasSubstr("\n  lock "),
-                     HasSubstr("\n  services "), HasSubstr("\n  whoami ")));
+                     HasSubstr("\n  services "), HasSubstr("\n  whoami "),
+                     HasSubstr("\n  timecode "), HasSubstr("\n  names ")));
     EXPECT_EQ("", run.error);
     EXPECT_EQ(0u, run.exitCode);
 }
@@ -95,7 +96,8 @@ INSTANTIATE_TEST_SUITE_P(
         Arguments{L"run", L"--help"}, Arguments{L"watch", L"--help"},
         Arguments{L"terminate", L"--help"}, Arguments{L"lock", L"--help"},
         Arguments{L"services", L"--help"}, Arguments{L"services", L"start", L"--help"},
-        Arguments{L"services", L"stop", L"--help"}, Arguments{L"whoami", L"--help"}),
+        Arguments{L"services", L"stop", L"--help"}, Arguments{L"whoami", L"--help"},
+        Arguments{L"timecode", L"--help"}, Arguments{L"names", L"--help"}),
     [](auto const& test) {
         std::string name = "program";
         for (std::size_t word = 0; word + 1 < test.param.size(); ++word)

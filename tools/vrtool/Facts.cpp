@@ -56,11 +56,13 @@ Json::Value objectOf(Facts const& facts) {
     return object;
 }
 
-std::string jsonOf(Facts const& facts) {
+Json::Value objectWithFailures(Facts const& facts) {
     auto document = objectOf(facts);
     document["failures"] = Json::Value(Json::objectValue);
     for (auto const& fact : facts)
         if (!fact.failure.empty())
             document["failures"][fact.name] = toUtf8(fact.failure);
-    return jsonText(document);
+    return document;
 }
+
+std::string jsonOf(Facts const& facts) { return jsonText(objectWithFailures(facts)); }

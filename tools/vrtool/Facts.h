@@ -43,8 +43,10 @@ std::string tableOf(Facts const& facts, std::optional<std::size_t> width);
 // An object with a member for each.
 Json::Value objectOf(Facts const& facts);
 
-// That object as this program prints it, with a member "failures" that has the texts of the
-// failures by the names of their facts.
+// The same with `failures`, an object of the failures under the names of what is not known.
+Json::Value objectWithFailures(Facts const& facts);
+
+// That object as this program prints it.
 std::string jsonOf(Facts const& facts);
 
 #endif

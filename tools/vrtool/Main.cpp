@@ -12,6 +12,7 @@
 #include "tools/vrtool/IndexCommand.h"
 #include "tools/vrtool/InspectCommand.h"
 #include "tools/vrtool/LockCommand.h"
+#include "tools/vrtool/NamesCommand.h"
 #include "tools/vrtool/NumberCommand.h"
 #include "tools/vrtool/PathCommand.h"
 #include "tools/vrtool/PlacesCommand.h"
@@ -24,6 +25,7 @@
 #include "tools/vrtool/SettingsCommand.h"
 #include "tools/vrtool/SidecarCommand.h"
 #include "tools/vrtool/TerminateCommand.h"
+#include "tools/vrtool/TimecodeCommand.h"
 #include "tools/vrtool/Utf8.h"
 #include "tools/vrtool/WatchCommand.h"
 #include "tools/vrtool/WhereCommand.h"
@@ -64,6 +66,8 @@ Commands allCommands() {
     commands.push_back(std::make_unique<NumberCommand>());
     commands.push_back(std::make_unique<PlacesCommand>());
     commands.push_back(std::make_unique<RemoveCommand>());
+    commands.push_back(std::make_unique<TimecodeCommand>());
+    commands.push_back(std::make_unique<NamesCommand>());
     return commands;
 }
 

@@ -1,0 +1,76 @@
+#include "vrUtils/vrStatCollector.h"
+
+#include "measures/CriticalSection.h"
+#include "measures/Utf8.h"
+
+#include <json/json.h>
+
+#include <map>
+#include <mutex>
+
+class vrStatCollector::Table {
+  public:
+    void name(int id, std::wstring const& name) {
+        std::lock_guard const guard(m_lock);
+        m_stats[id].name = name;
+    }
+
+    void add(int id, std::uint64_t amount) {
+        std::lock_guard const guard(m_lock);
+        m_stats[id].value += amount;
+    }
+
+    void set(int id, std::uint64_t value) {
+        std::lock_guard const guard(m_lock);
+        m_stats[id].value = value;
+    }
+
+    std::uint64_t get(int id) {
+        std::lock_guard const guard(m_lock);
+        return m_stats[id].value;
+    }
+
+    std::wstring asJson() {
+        std::lock_guard const guard(m_lock);
+        Json::Value members(Json::objectValue);
+        for (auto const& [id, stat] : m_stats)
+            members[vrUtils::wideToUtf8(stat.name)] = Json::Value::UInt64(stat.value);
+        return vrUtils::utf8ToWide(members.toStyledString());
+    }
+
+  private:
+    struct StatEntry {
+        std::wstring name;
+        std::uint64_t value = 0;
+    };
+
+    std::map<int, StatEntry> m_stats;
+    vrUtils::CriticalSection m_lock;
+};
+
+vrStatCollector& vrStatCollector::Singleton() {
+    static vrStatCollector instance;
+    return instance;
+}
+
+vrStatCollector::vrStatCollector() : m_table(std::make_unique<Table>()) {
+    SetStatName(0x10001, L"BytesWritten");
+    SetStatName(0x10000, L"BytesRead");
+    SetStatName(0x10002, L"FramesTransferred");
+    SetStatName(0x10003, L"Transcoded");
+    SetStatName(0x10004, L"TransferStatus");
+}
+
+vrStatCollector::~vrStatCollector() = default;
+
+void vrStatCollector::SetStatName(int id, std::wstring const* name) { m_table->name(id, *name); }
+
+void vrStatCollector::AddStat(int id, unsigned long amount) { m_table->add(id, amount); }
+
+void vrStatCollector::AddStat(int id, std::uint64_t amount) { m_table->add(id, amount); }
+
+void vrStatCollector::SetStat(int id, unsigned long value) { m_table->set(id, value); }
+
+std::uint64_t vrStatCollector::GetStat(int id) { return m_table->get(id); }
+
+std::wstring vrStatCollector::asJson() { return m_table->asJson(); }
