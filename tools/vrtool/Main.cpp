@@ -15,6 +15,7 @@
 #include "tools/vrtool/SameCommand.h"
 #include "tools/vrtool/ServicesCommand.h"
 #include "tools/vrtool/SettingsCommand.h"
+#include "tools/vrtool/StatsDemoCommand.h"
 #include "tools/vrtool/TerminateCommand.h"
 #include "tools/vrtool/Utf8.h"
 #include "tools/vrtool/WatchCommand.h"
@@ -48,6 +49,7 @@ Commands allCommands() {
     commands.push_back(std::make_unique<WhereCommand>());
     commands.push_back(std::make_unique<SameCommand>());
     commands.push_back(std::make_unique<ConnectCommand>());
+    commands.push_back(std::make_unique<StatsDemoCommand>());
     return commands;
 }
 
