@@ -13,8 +13,9 @@ namespace benchmarks {
 
 // Registers one candidate.
 // @param work one run of the operation; what it returns counts as used
+// @param threads how many do it at the same time
 template <class Work>
-void candidate(char const* row, char const* name, Work work) {
+void candidate(char const* row, char const* name, Work work, int threads = 1) {
     auto const measure = [work = std::move(work)](benchmark::State& state) {
         for (auto _ : state) {
             auto result = work();
@@ -24,7 +25,9 @@ void candidate(char const* row, char const* name, Work work) {
         }
     };
     // The clock of the processor's time is too coarse here to settle the number of runs.
-    benchmark::RegisterBenchmark((std::string(row) + '/' + name).c_str(), measure)->UseRealTime();
+    auto* const registered =
+        benchmark::RegisterBenchmark((std::string(row) + '/' + name).c_str(), measure);
+    registered->UseRealTime()->Threads(threads);
 }
 
 // Registers one candidate whose work uses up what it works on.

@@ -83,6 +83,18 @@ ROWS = {
                         beat={"CommandLineToArgvW": 1.4}, within={"hand": 1.3}),
     "command-line-64Ki": Row("command line of 64 Ki characters split", within={"hand": 1.3}),
     "command-line-1Mi": Row("command line of 1 Mi characters split", within={"hand": 1.3}),
+    "key-value-get-number": Row("number read from a store of 16", beat={"map": 1}),
+    "key-value-get-text": Row("text read from a store of 16", beat={"map": 1}),
+    "key-value-get-flag": Row("flag read from a store of 16", beat={"map": 1}),
+    "key-value-set-number": Row("number written to a store of 16", beat={"map": 1}),
+    "key-value-set-text": Row("text written to a store of 16", beat={"map": 1}),
+    "key-value-set-flag": Row("flag written to a store of 16", beat={"map": 1}),
+    "add-stat-1": Row("statistic added to", within={"limit": 1.25}),
+    "add-stat-2": Row("statistic added to by 2 threads", within={"limit": 1.25}),
+    "add-stat-8": Row("statistic added to by 8 threads", within={"limit": 1.25}),
+    "stats-json-5": Row("5 statistics as JSON", within={"limit": 1.15}),
+    "stats-json-1000": Row("1,000 statistics as JSON", within={"limit": 1.15}),
+    "elapsed-time": Row("scope timed for the log"),
 }
 
 # Operations whose cost must keep step with the size of the input.

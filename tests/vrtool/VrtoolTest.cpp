@@ -530,3 +530,40 @@ INSTANTIATE_TEST_SUITE_P(
             "PATH is required",
             "remove [OPTIONS] PATH"}),
     [](auto const& test) { return test.param.name; });
+
+TEST(Vrtool, HelpListsTheSubcommandOfTheStatistics) {
+    EXPECT_THAT(test::runTool({L"--help"}).out, HasSubstr("\n  stats-demo "));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    VrtoolStatistics, VrtoolHelp, testing::Values(Arguments{L"stats-demo", L"--help"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    VrtoolStatistics, VrtoolWrongArguments,
+    testing::Values(
+        WrongArguments{
+            "NoThreads",
+            {L"stats-demo", L"--threads", L"0"},
+            "--threads: Value 0 not in range 1 to 64",
+            "stats-demo [OPTIONS]"},
+        WrongArguments{
+            "TooManyThreads",
+            {L"stats-demo", L"--threads", L"65"},
+            "--threads: Value 65 not in range 1 to 64",
+            "stats-demo [OPTIONS]"},
+        WrongArguments{
+            "NoFrames",
+            {L"stats-demo", L"--frames", L"0"},
+            "--frames: Value 0 not in range 1 to 10000000",
+            "stats-demo [OPTIONS]"},
+        WrongArguments{
+            "TooManyFrames",
+            {L"stats-demo", L"--frames", L"10000001"},
+            "--frames: Value 10000001 not in range 1 to 10000000",
+            "stats-demo [OPTIONS]"},
+        WrongArguments{
+            "StatsDemoOfSomething",
+            {L"stats-demo", L"something"},
+            "The following argument was not expected: something",
+            "stats-demo [OPTIONS]"}),
+    [](auto const& test) { return test.param.name; });

@@ -24,6 +24,7 @@
 #include "tools/vrtool/ServicesCommand.h"
 #include "tools/vrtool/SettingsCommand.h"
 #include "tools/vrtool/SidecarCommand.h"
+#include "tools/vrtool/StatsDemoCommand.h"
 #include "tools/vrtool/TerminateCommand.h"
 #include "tools/vrtool/TimecodeCommand.h"
 #include "tools/vrtool/Utf8.h"
@@ -68,6 +69,7 @@ Commands allCommands() {
     commands.push_back(std::make_unique<RemoveCommand>());
     commands.push_back(std::make_unique<TimecodeCommand>());
     commands.push_back(std::make_unique<NamesCommand>());
+    commands.push_back(std::make_unique<StatsDemoCommand>());
     return commands;
 }
 
