@@ -4,11 +4,15 @@
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/AssetManagement.h"
 #include "vrUtils/Instancing.h"
+#include "vrUtils/Process.h"
 
 namespace {
 
 // The kind of target whose messages are named as they are told.
 constexpr std::uint32_t namedBySource = 20;
+
+// The port of the service that takes files over, in the plain system.
+constexpr std::uint32_t transferService = 60774;
 
 std::wstring escaped(std::wstring const& text) {
     std::wstring safe;
@@ -48,7 +52,9 @@ vr::Path messageFile(vr::Path const& target) {
 
 std::string messageText(TransferMessage const& message) {
     auto text = std::string("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<transfer>\n") +
-                element("system", vrUtils::Instancing::makeInstancedSystemName()) +
+                element(
+                    "server", vrUtils::Instancing::instanceHost(
+                                  vrUtils::Process::GetComputerNameW(), transferService)) +
                 element("source", message.source.components().wholePath()) +
                 element("target", message.target.components().wholePath()) +
                 element("index", message.index.components().wholePath()) +

@@ -58,22 +58,44 @@ void TransferSummary::add(std::wstring const& place, TransferOutcome const& outc
 std::string TransferSummary::table(std::optional<std::size_t> width) const {
     using Align = TextTable::Align;
     using Narrow = TextTable::Narrow;
-    TextTable table({
+    // What no file has takes no room.
+    auto const any = [this](auto const& textOfRow) {
+        return std::any_of(m_rows.begin(), m_rows.end(), [&](Row const& row) {
+            return !textOfRow(row.outcome).empty();
+        });
+    };
+    auto const reportOf = [](TransferOutcome const& outcome) { return textOf(outcome.report); };
+    auto const hasReports = any(reportOf);
+    auto const hasRemarks = any(remark);
+
+    std::vector<TextTable::Column> columns = {
         {L"FILE", Align::left, Narrow::cut},
         {L"BYTES", Align::right},
         {L"HZ", Align::right},
         {L"BITS", Align::right},
         {L"RESULT"},
         {L"INDEX", Align::left, Narrow::ownLine},
-        {L"REPORT", Align::left, Narrow::ownLine},
-        {L"REMARK", Align::left, Narrow::ownLine},
-    });
+    };
+    if (hasReports)
+        columns.push_back({L"REPORT", Align::left, Narrow::ownLine});
+    if (hasRemarks)
+        columns.push_back({L"REMARK", Align::left, Narrow::ownLine});
+
+    TextTable table(std::move(columns));
     for (auto const& [place, outcome] : m_rows) {
         auto const& format = outcome.format;
-        table.addRow(
-            {place, cell(outcome.size), format ? std::to_wstring(format->samplesPerSecond) : L"-",
-             format ? std::to_wstring(format->bitsPerSample) : L"-", kinds[outcome.result].inRow,
-             textOf(outcome.index), textOf(outcome.report), remark(outcome)});
+        std::vector<std::wstring> cells = {
+            place,
+            cell(outcome.size),
+            format ? std::to_wstring(format->samplesPerSecond) : L"-",
+            format ? std::to_wstring(format->bitsPerSample) : L"-",
+            kinds[outcome.result].inRow,
+            textOf(outcome.index)};
+        if (hasReports)
+            cells.push_back(reportOf(outcome));
+        if (hasRemarks)
+            cells.push_back(remark(outcome));
+        table.addRow(std::move(cells));
     }
     return table.text(width);
 }
