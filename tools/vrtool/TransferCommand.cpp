@@ -7,6 +7,7 @@
 #include "tools/vrtool/FileTransfer.h"
 #include "tools/vrtool/SocketLayer.h"
 #include "tools/vrtool/TransferFailure.h"
+#include "tools/vrtool/TransferReports.h"
 #include "tools/vrtool/TransferSummary.h"
 #include "tools/vrtool/Utf8.h"
 #include "tools/vrtool/WholeFile.h"
@@ -58,11 +59,13 @@ std::wstring signature() {
            std::to_wstring(vrUtils::Instancing::currentInstance());
 }
 
-std::vector<TransferSource> sourcesOf(std::vector<std::wstring> const& arguments) {
+std::vector<TransferSource>
+sourcesOf(std::vector<std::wstring> const& arguments, bool makesReports) {
     std::vector<TransferSource> all;
     for (auto const& argument : arguments)
         for (auto& source : transferSources(argument))
-            all.push_back(std::move(source));
+            if (!makesReports || !isMadeReport(source.file))
+                all.push_back(std::move(source));
     return all;
 }
 
@@ -115,7 +118,7 @@ int TransferCommand::transfer(Console& console) const {
                             {}};
     TransferSummary summary;
     auto isCancelled = false;
-    for (auto const& source : sourcesOf(paths)) {
+    for (auto const& source : sourcesOf(paths, m_report)) {
         if (isCancelled || key.wasPressed()) {
             isCancelled = true;
             break;

@@ -1,5 +1,6 @@
 #include "tools/vrtool/TransferReports.h"
 
+#include "tools/vrtool/FileCopy.h"
 #include "tools/vrtool/WholeFile.h"
 #include "vrUtils/Files.h"
 #include "vrUtils/PFC.h"
@@ -11,9 +12,15 @@ namespace PFC = vrUtils::PFC;
 
 namespace {
 
-void save(std::vector<char> const& report, vr::Path const& file) {
-    vrUtils::Storage::MakeDirectoryIterative(file);
-    saveWhole(std::string(report.begin(), report.end()), file);
+constexpr std::size_t pieceSize = 65536;
+
+// With its time, so that the file is known to be the same when it is carried for itself too.
+void copyWhole(vr::Path const& source, vr::Path const& target) {
+    vrUtils::Storage::MakeDirectoryIterative(target);
+    WholeFile file(target);
+    std::vector<unsigned char> buffer(pieceSize);
+    copyFile(source, file.part(), buffer, [](std::uint64_t) {});
+    file.commit();
 }
 
 } // namespace
@@ -22,19 +29,20 @@ vr::Path
 carryReports(vr::Path const& source, vr::Path const& target, std::wstring const& signature) {
     if (!Files::FileExists(PFC::getPFCFileName(source)))
         return {};
-    PFC::PFCReportParameters const from(source);
-    std::vector<char> report;
-    PFC::getPFCXMLReport(from, &report);
-    save(report, PFC::getPFCFileName(target));
-    if (Files::FileExists(PFC::getGenealogyFileName(source))) {
-        PFC::getPFCGenealogyReport(from, &report);
-        save(report, PFC::getGenealogyFileName(target));
-    }
+    copyWhole(PFC::getPFCFileName(source), PFC::getPFCFileName(target));
+    if (Files::FileExists(PFC::getGenealogyFileName(source)))
+        copyWhole(PFC::getGenealogyFileName(source), PFC::getGenealogyFileName(target));
 
     auto const html = PFC::getPFCHTMLFileName(target);
     // The report of an earlier transfer would be taken for the new one if that cannot be made.
     Files::DeleteFileIfExists(html);
+    std::vector<char> report;
     PFC::getPFCHTMLReport(
         PFC::PFCHTMLReportParameters(target, target.components().fullName(), signature), &report);
     return html;
+}
+
+bool isMadeReport(vr::Path const& file) {
+    auto const& folders = file.components().folders();
+    return !folders.empty() && folders.back() == L"pfchtml";
 }

@@ -13,4 +13,7 @@
 vr::Path
 carryReports(vr::Path const& source, vr::Path const& target, std::wstring const& signature);
 
+// Whether a file is an HTML report that `carryReports` would make anew.
+bool isMadeReport(vr::Path const& file);
+
 #endif
