@@ -52,6 +52,7 @@ int wmain(int count, wchar_t** arguments) {
     fill(page, "@SIGNATURE@", forPage(signature));
     fill(page, "@CHARSET@", "windows-" + std::to_string(GetACP()));
     try {
+        page.insert(0, "<!DOCTYPE html>\n");
         std::vector<char> const bytes(page.begin(), page.end());
         vrUtils::Files::SaveSmallFile(bytes, vr::Path::file(arguments[2]));
     } catch (vrException const&) {

@@ -1,7 +1,8 @@
 <?xml version="1.0" encoding="UTF-8"?>
 <!-- Makes the page of a pre-flight report. The generator fills @MOVIE@, @SIGNATURE@ and @CHARSET@. -->
 <xsl:stylesheet version="1.0" xmlns:xsl="http://www.w3.org/1999/XSL/Transform">
-  <xsl:output method="html" indent="yes"/>
+  <!-- Not as HTML: the processor would then declare a character set that the file is not in. -->
+  <xsl:output method="xml" omit-xml-declaration="yes" indent="yes"/>
 
   <xsl:template match="/preflight">
     <html lang="en">
