@@ -24,8 +24,7 @@ using CopyListener = std::function<void(std::uint64_t done)>;
 // Copies a file's content and the time of its last write over whatever has the target's name. The
 // bytes are counted in the process's statistics as they pass.
 // @param buffer for the pieces; its size is theirs
-// @throws vrException if a file cannot be opened
-// @throws TransferFailure if it cannot be read or written to its end
+// @throws TransferFailure if a file cannot be opened, read or written to its end
 CopiedFile copyFile(
     vr::Path const& source, vr::Path const& target, std::vector<unsigned char>& buffer,
     CopyListener const& listener);

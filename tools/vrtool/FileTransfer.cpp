@@ -2,8 +2,11 @@
 
 #include "tools/vrtool/CancelKey.h"
 #include "tools/vrtool/FileCopy.h"
+#include "tools/vrtool/FileState.h"
 #include "tools/vrtool/Inspection.h"
+#include "tools/vrtool/SetAside.h"
 #include "tools/vrtool/SystemText.h"
+#include "tools/vrtool/TargetLock.h"
 #include "tools/vrtool/TransferFailure.h"
 #include "tools/vrtool/TransferMessage.h"
 #include "tools/vrtool/TransferProgress.h"
@@ -13,32 +16,24 @@
 #include "vrUtils/Storage.h"
 #include "vrUtils/vrException.h"
 
-#include <algorithm>
 #include <chrono>
 
-namespace Files = vrUtils::Files;
 namespace Storage = vrUtils::Storage;
 
 namespace {
 
-// What the coarsest file systems keep of a time, in ticks of 100 nanoseconds.
-constexpr std::uint64_t coarsestTime = 20'000'000;
-
 // Asking after the key costs as much as a piece of the copy.
 constexpr auto pauseBetweenLooks = std::chrono::milliseconds(50);
-
-std::wstring quoted(vr::Path const& path) { return L'"' + path.components().wholePath() + L'"'; }
 
 vr::Path placeIn(vr::Path const& folder, std::wstring const& place) {
     return vr::Path::file(folder.components().wholePath() + place);
 }
 
-bool isSameFile(vr::Path const& source, vr::Path const& target) {
-    if (!Files::FileExists(target) || Files::FileLength(source) != Files::FileLength(target))
-        return false;
-    auto const sourceTime = Files::FileModificationDateTime(source);
-    auto const targetTime = Files::FileModificationDateTime(target);
-    return std::max(sourceTime, targetTime) - std::min(sourceTime, targetTime) < coarsestTime;
+FileState stateOfSource(vr::Path const& source) {
+    auto const state = stateOf(source);
+    if (!state)
+        throw TransferFailure(quoted(source) + L" is no longer there");
+    return *state;
 }
 
 void requireSpace(TransferDestination const& destination, std::uint64_t size) {
@@ -54,36 +49,20 @@ void requireSpace(TransferDestination const& destination, std::uint64_t size) {
 }
 
 void makeFolderOf(vr::Path const& target, TransferSetting& setting) {
-    if (setting.folders.insert(target.components().folderPath()).second)
-        Storage::MakeDirectoryIterative(target);
-}
-
-// Copies the old file out of the way and leaves it in its place until the new one takes that. Held
-// open it cannot be deleted, which is the step of the deletion that is not wanted here.
-void setAside(Storage::RecoverableFileDeleter& old, vr::Path const& target) {
-    Files::FileHandleRead held;
-    held.Open(target);
-    try {
-        old.Delete();
-    } catch (Storage::vrDeleteFileException const&) {
+    auto const folder = target.components().folderPath();
+    if (setting.folders.count(folder) != 0)
         return;
-    }
-}
-
-// What stands at the target must be what was copied there.
-void requireWhole(vr::Path const& target, std::uint64_t size) {
-    if (Files::FileLength(target) != size)
-        throw TransferFailure(L"not all of it has arrived at " + quoted(target));
+    Storage::MakeDirectoryIterative(target);
+    setting.folders.insert(folder);
 }
 
 void replace(WholeFile& file, vr::Path const& target, std::uint64_t size) {
-    Storage::RecoverableFileDeleter old(target, L"vrtool");
-    setAside(old, target);
-    file.commit();
+    SetAside old(target);
+    file.commit(size);
     try {
         requireWhole(target, size);
-    } catch (...) {
-        old.Recover();
+    } catch (TransferFailure const&) {
+        old.putBack();
         throw;
     }
 }
@@ -92,65 +71,95 @@ void replace(WholeFile& file, vr::Path const& target, std::uint64_t size) {
 class Carrier {
   public:
     Carrier(TransferSource const& source, TransferSetting& setting)
-        : m_source(source),
-          m_setting(setting),
-          m_target(placeIn(setting.destination.local, source.place)) {
-        m_outcome.target = placeIn(setting.destination.folder, source.place);
-        m_outcome.index = Files::ArchiveToIndexPathConverter().GetIndexPath(m_outcome.target);
-    }
+        : m_source(source), m_setting(setting) {}
 
     TransferOutcome carry() {
         try {
-            carryFile();
-            leaveMessage();
-            if (m_setting.report)
-                m_outcome.report = carryReports(m_source.file, m_target, m_setting.signature);
+            carryAll();
         } catch (TransferCancelled const&) {
             m_outcome.result = TransferOutcome::cancelled;
         } catch (TransferFailure const& failure) {
-            fail(failure.text());
-        } catch (Files::LockFileException const&) {
-            fail(L"another transfer has " + quoted(m_target));
+            // A file that is there stays what it is; what is missing beside it is told all the same.
+            m_outcome.failure = failure.text();
         } catch (vrException const& failure) {
-            fail(failure.message());
+            m_outcome.failure = failure.message();
         } catch (Storage::vrCreateFolderException const& failure) {
-            fail(
-                L"cannot make the folder \"" + failure.text() + L"\": " +
-                systemText(failure.error()));
-        } catch (Storage::vrCopyFileException const& failure) {
-            fail(
-                L"cannot copy the old file to \"" + failure.text() + L"\": " +
-                systemText(failure.error()));
+            m_outcome.failure = L"cannot make the folder \"" + failure.text() + L"\": " +
+                                systemText(failure.error());
         }
         return m_outcome;
     }
 
   private:
-    void carryFile() {
-        if (!m_source.failure.empty())
-            throw TransferFailure(m_source.failure);
-        m_outcome.size = Files::FileLength(m_source.file);
-        if (isSameFile(m_source.file, m_target)) {
+    void carryAll() {
+        begin();
+        if (!m_setting.report && isCopied() && hasMessage()) {
             m_outcome.result = TransferOutcome::alreadyThere;
             learnFormat();
             return;
         }
-        requireSpace(m_setting.destination, *m_outcome.size);
         makeFolderOf(m_target, m_setting);
-        Files::LockFile const lock(m_target);
-        auto const isOld = Files::FileExists(m_target);
-        if (isOld && !m_setting.replace)
-            throw TransferFailure(
-                L"there is another file at " + quoted(m_target) + L"; --replace replaces it");
+        auto const lock = lockTarget(m_target);
+        carryFile();
+        leaveMessage();
+        if (m_setting.report)
+            m_outcome.report = carryReports(m_source.file, m_target, m_setting.signature);
+    }
+
+    void begin() {
+        if (!m_source.failure.empty())
+            throw TransferFailure(m_source.failure);
+        m_target = placeIn(m_setting.destination.local, m_source.place);
+        m_outcome.target = placeIn(m_setting.destination.folder, m_source.place);
+        m_outcome.index =
+            vrUtils::Files::ArchiveToIndexPathConverter().GetIndexPath(m_outcome.target);
+        m_state = stateOfSource(m_source.file);
+        m_outcome.size = m_state.size;
+    }
+
+    bool isCopied() const {
+        auto const there = stateOf(m_target);
+        return there && isCopyOf(m_state, *there);
+    }
+
+    // No for a place that has no name for one: the failure comes when it is to be written.
+    bool hasMessage() const {
+        try {
+            return stateOf(messageFile(m_target)).has_value();
+        } catch (TransferFailure const&) {
+            return false;
+        }
+    }
+
+    void carryFile() {
+        auto const old = stateOf(m_target);
+        if (old && isCopyOf(m_state, *old)) {
+            m_outcome.result = TransferOutcome::alreadyThere;
+            learnFormat();
+            return;
+        }
+        if (old)
+            requireReplaceable(*old);
+        // The old file is there twice for a while.
+        requireSpace(m_setting.destination, m_state.size + (old ? old->size : 0));
 
         WholeFile file(m_target);
         copyTo(file.part());
-        requireWhole(file.part(), *m_outcome.size);
-        if (isOld)
+        if (old)
             replace(file, m_target, *m_outcome.size);
         else
-            file.commit();
-        m_outcome.result = isOld ? TransferOutcome::replaced : TransferOutcome::transferred;
+            file.commit(*m_outcome.size);
+        m_outcome.result = old ? TransferOutcome::replaced : TransferOutcome::transferred;
+    }
+
+    void requireReplaceable(FileState const& old) const {
+        if (old.isFolder)
+            throw TransferFailure(L"there is a folder at " + quoted(m_target));
+        if (!m_setting.replace)
+            throw TransferFailure(
+                L"there is another file at " + quoted(m_target) + L"; --replace replaces it");
+        if (old.isReadOnly)
+            throw TransferFailure(L"the file at " + quoted(m_target) + L" is read-only");
     }
 
     void learnFormat() {
@@ -162,7 +171,7 @@ class Carrier {
 
     void copyTo(vr::Path const& part) {
         TransferProgress progress(
-            m_setting.console, m_source.file.components().fullName(), *m_outcome.size);
+            m_setting.console, m_source.file.components().fullName(), m_state.size);
         auto nextLook = TransferProgress::Clock::now() + pauseBetweenLooks;
         auto const copied =
             copyFile(m_source.file, part, m_setting.buffer, [&](std::uint64_t done) {
@@ -182,7 +191,7 @@ class Carrier {
     // A transfer that died behind its file has left none.
     void leaveMessage() {
         auto const file = messageFile(m_target);
-        if (m_outcome.result == TransferOutcome::alreadyThere && Files::FileExists(file))
+        if (m_outcome.result == TransferOutcome::alreadyThere && stateOf(file))
             return;
         makeFolderOf(file, m_setting);
         saveWhole(
@@ -192,12 +201,10 @@ class Carrier {
             file);
     }
 
-    // A file that is there stays what it is; what is missing beside it is told all the same.
-    void fail(std::wstring const& reason) { m_outcome.failure = reason; }
-
     TransferSource const& m_source;
     TransferSetting& m_setting;
     vr::Path m_target;
+    FileState m_state;
     TransferOutcome m_outcome;
 };
 

@@ -49,8 +49,9 @@ struct TransferOutcome {
 // 2. An old file is copied into the folder "Recovery" beside it, so that it can be put back.
 // 3. The part takes the target's place, in one step.
 // 4. If what then stands there is not the new file, the old one is put back.
+// 5. Its message is written, and its reports are carried.
 //
-// All this time the target is locked against other transfers. Then come its message and its reports.
+// All this time the target is locked against other transfers.
 TransferOutcome transferFile(TransferSource const& source, TransferSetting& setting);
 
 #endif

@@ -7,7 +7,6 @@
 #include "tools/vrtool/FileTransfer.h"
 #include "tools/vrtool/SocketLayer.h"
 #include "tools/vrtool/TransferFailure.h"
-#include "tools/vrtool/TransferReports.h"
 #include "tools/vrtool/TransferSummary.h"
 #include "tools/vrtool/Utf8.h"
 #include "tools/vrtool/WholeFile.h"
@@ -59,14 +58,18 @@ std::wstring signature() {
            std::to_wstring(vrUtils::Instancing::currentInstance());
 }
 
-std::vector<TransferSource>
-sourcesOf(std::vector<std::wstring> const& arguments, bool makesReports) {
+// Seen before anything is written, so that a folder can be carried into one below it.
+std::vector<TransferSource> sourcesOf(std::vector<std::wstring> const& arguments) {
     std::vector<TransferSource> all;
     for (auto const& argument : arguments)
         for (auto& source : transferSources(argument))
-            if (!makesReports || !isMadeReport(source.file))
-                all.push_back(std::move(source));
+            all.push_back(std::move(source));
     return all;
+}
+
+std::string leftOut(std::size_t count) {
+    return "Left out, since transfers make them themselves: " + std::to_string(count) +
+           (count == 1 ? " file\n" : " files\n");
 }
 
 } // namespace
@@ -107,6 +110,10 @@ int TransferCommand::transfer(Console& console) const {
     auto const destination = transferDestination(paths.back());
     paths.pop_back();
     console.out(introduction(destination));
+    auto const found = sourcesOf(paths);
+    auto const sources = withoutTraces(found, m_report);
+    if (sources.size() < found.size())
+        console.out(leftOut(found.size() - sources.size()));
 
     TransferSetting setting{console,
                             key,
@@ -118,11 +125,10 @@ int TransferCommand::transfer(Console& console) const {
                             {}};
     TransferSummary summary;
     auto isCancelled = false;
-    for (auto const& source : sourcesOf(paths, m_report)) {
-        if (isCancelled || key.wasPressed()) {
-            isCancelled = true;
+    for (auto const& source : sources) {
+        isCancelled = isCancelled || key.wasPressed();
+        if (isCancelled)
             break;
-        }
         auto const outcome = transferFile(source, setting);
         isCancelled = outcome.result == TransferOutcome::cancelled;
         if (!outcome.failure.empty())

@@ -1,6 +1,9 @@
 #ifndef TOOLS_VRTOOL_TRANSFERFAILURE_H
 #define TOOLS_VRTOOL_TRANSFERFAILURE_H
 
+#include "vrUtils/Path.h"
+
+#include <cstdint>
 #include <exception>
 #include <string>
 #include <utility>
@@ -9,6 +12,10 @@
 class TransferFailure : public std::exception {
   public:
     explicit TransferFailure(std::wstring text) : m_text(std::move(text)) {}
+
+    // Something that cannot be done with a file, and the platform's reason:
+    // `cannot read "C:\a.wav": Sharing violation (error 32)`.
+    TransferFailure(std::wstring const& what, vr::Path const& path, std::uint32_t error);
 
     char const* what() const noexcept override { return "the transfer of a file failed"; }
 
@@ -23,5 +30,8 @@ class TransferCancelled : public std::exception {
   public:
     char const* what() const noexcept override { return "the transfer was cancelled"; }
 };
+
+// The path in quotes, for texts.
+std::wstring quoted(vr::Path const& path);
 
 #endif

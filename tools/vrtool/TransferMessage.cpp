@@ -28,7 +28,7 @@ std::wstring escaped(std::wstring const& text) {
             safe += L"&gt;";
             break;
         default:
-            safe += character < L' ' ? L'\xFFFD' : character;
+            safe += character < L' ' || character > L'\xFFFD' ? L'\xFFFD' : character;
         }
     return safe;
 }

@@ -13,7 +13,10 @@
 vr::Path
 carryReports(vr::Path const& source, vr::Path const& target, std::wstring const& signature);
 
-// Whether a file is an HTML report that `carryReports` would make anew.
-bool isMadeReport(vr::Path const& file);
+// Whether a movie has an XML report.
+bool hasReport(vr::Path const& movie);
+
+// The HTML report that is made of it.
+vr::Path madeReport(vr::Path const& movie);
 
 #endif

@@ -17,4 +17,9 @@ struct TransferSource {
 // folder's name and their places in it. What cannot be reached is one source with a failure.
 std::vector<TransferSource> transferSources(std::wstring const& argument);
 
+// Leaves out what a transfer makes itself beside the other sources: where they have come by a
+// transfer, their messages, and the parts and locks of one that died; and the HTML reports that are
+// to be made anew.
+std::vector<TransferSource> withoutTraces(std::vector<TransferSource> sources, bool makesReports);
+
 #endif

@@ -1,29 +1,35 @@
 #include "tools/vrtool/WholeFile.h"
 
-#include "tools/vrtool/Platform.h"
-#include "tools/vrtool/SystemText.h"
+#include "tools/vrtool/FileAccess.h"
+#include "tools/vrtool/FileState.h"
 #include "tools/vrtool/TransferFailure.h"
-#include "vrUtils/Files.h"
-
-#include <vector>
 
 WholeFile::WholeFile(vr::Path const& target)
-    : m_target(target),
-      m_part(vr::Path::file(target.components().wholePath() + L".part")),
-      m_partDeleter(m_part) {}
+    : m_target(target), m_part(partOf(target)), m_partDeleter(m_part) {}
 
-void WholeFile::commit() {
+void WholeFile::commit(std::uint64_t size) {
+    requireWhole(m_part, size);
+    auto const part = m_part.str();
     auto const target = m_target.str();
-    if (!MoveFileExW(m_part.str().c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING)) {
+    if (!MoveFileExW(part.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING)) {
         auto const error = GetLastError();
-        throw TransferFailure(
-            L"cannot take the place of \"" + target + L"\": " + systemText(error));
+        throw TransferFailure(L"cannot take the place of", m_target, error);
     }
     m_partDeleter.SetFile({});
 }
 
+vr::Path partOf(vr::Path const& target) {
+    return vr::Path::file(target.components().wholePath() + L".part");
+}
+
+void requireWhole(vr::Path const& file, std::uint64_t size) {
+    auto const state = stateOf(file);
+    if (!state || state->size != size)
+        throw TransferFailure(L"not all of it has arrived at " + quoted(file));
+}
+
 void saveWhole(std::string const& text, vr::Path const& target) {
     WholeFile file(target);
-    vrUtils::Files::SaveSmallFile(std::vector<char>(text.begin(), text.end()), file.part());
-    file.commit();
+    writePiece(openToWrite(file.part()), text.data(), text.size());
+    file.commit(text.size());
 }

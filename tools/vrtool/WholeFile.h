@@ -4,6 +4,7 @@
 #include "vrUtils/Path.h"
 #include "vrUtils/Storage.h"
 
+#include <cstdint>
 #include <string>
 
 // A file that appears under its name only when it is whole. It is written under the name with
@@ -17,8 +18,9 @@ class WholeFile {
     vr::Path const& part() const { return m_part; }
 
     // Takes the place of the target.
+    // @param size of the whole file
     // @throws TransferFailure with the reason; the target then is as it was
-    void commit();
+    void commit(std::uint64_t size);
 
   private:
     vr::Path m_target;
@@ -26,8 +28,14 @@ class WholeFile {
     vrUtils::Storage::TempFileDeleter m_partDeleter;
 };
 
+// The part of a target.
+vr::Path partOf(vr::Path const& target);
+
+// @throws TransferFailure unless there is a file of this size
+void requireWhole(vr::Path const& file, std::uint64_t size);
+
 // Writes a small text as a whole file.
-// @throws vrException, TransferFailure
+// @throws TransferFailure
 void saveWhole(std::string const& text, vr::Path const& target);
 
 #endif
