@@ -65,6 +65,8 @@ ROWS = {
     "endpoint": Row("endpoint split", beat={"stream": 1}),
     "unc-first-row": Row("network path found in the first row", within={"three-parses": 1}),
     "unc-last-row": Row("network path found in row 33", within={"three-parses": 1}),
+    "transfer-1": Row("1 GiB carried in one file", within={"CopyFileW": 1.1}),
+    "transfer-1000": Row("1 GiB carried in 1,000 files", within={"CopyFileW": 2}),
     "command-line": Row("command line of 7 parameters split",
                         beat={"CommandLineToArgvW": 1.4}, within={"hand": 1.3}),
     "command-line-64Ki": Row("command line of 64 Ki characters split", within={"hand": 1.3}),
