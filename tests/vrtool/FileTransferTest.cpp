@@ -261,7 +261,7 @@ TEST_F(VrtoolFileTransfer, TellsWhichFolderCannotBeMade) {
 }
 
 TEST_F(VrtoolFileTransfer, TellsANameThatTheTargetCannotHold) {
-    std::wstring const name(250, L'n');
+    std::wstring const name(252, L'n');
     source(name, "media");
 
     auto const outcome = carry(name);

@@ -36,7 +36,7 @@ TEST_F(VrtoolTransferDestination, OnADriveIsOnThisMachine) {
     EXPECT_TRUE(destination.onThisMachine);
     EXPECT_EQ(destination.folder, destination.local);
     EXPECT_EQ(L"", destination.server.host);
-    EXPECT_EQ(std::wstring(L"C:"), destination.server.folder);
+    EXPECT_EQ(std::wstring(L"C:\\"), destination.server.folder);
 }
 
 TEST_F(VrtoolTransferDestination, OnAShareOfAnotherMachineHasItsShareChecked) {
@@ -46,5 +46,5 @@ TEST_F(VrtoolTransferDestination, OnAShareOfAnotherMachineHasItsShareChecked) {
     EXPECT_EQ(
         L"\\\\media01.invalid\\archive\\day 1\\", destination.folder.components().wholePath());
     EXPECT_EQ(L"\\\\media01.invalid\\", destination.server.host);
-    EXPECT_EQ(std::wstring(L"archive"), destination.server.folder);
+    EXPECT_EQ(std::wstring(L"archive\\"), destination.server.folder);
 }

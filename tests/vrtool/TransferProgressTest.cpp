@@ -79,6 +79,7 @@ TEST(VrtoolTransferProgress, SaysNothingToAFileInTheFirstSeconds) {
 
 TEST(VrtoolTransferProgress, WritesOneLineOverOnAScreenAndTakesItAway) {
     test::Screen const screen;
+    ASSERT_TRUE(screen.isThere()) << "no console can be made here";
     auto* const before = GetStdHandle(STD_ERROR_HANDLE);
     SetStdHandle(STD_ERROR_HANDLE, screen.handle());
     Console console;

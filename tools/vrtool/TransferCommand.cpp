@@ -79,7 +79,7 @@ TransferCommand::TransferCommand()
 
 void TransferCommand::declare(CLI::App& arguments) {
     m_paths =
-        arguments.add_option("SOURCE... DESTINATION")->required()->expected(2, -1)->take_all();
+        arguments.add_option("SOURCE... DESTINATION")->required()->expected(1, -1)->take_all();
     m_paths->description("Files and folders, and the folder to carry them to")->allow_extra_args();
     arguments.add_option("--instance", m_instance, "The instance of the system to act for")
         ->check(CLI::Range(0u, highestInstance).description(""))
@@ -88,6 +88,10 @@ void TransferCommand::declare(CLI::App& arguments) {
     arguments.add_flag("--replace", m_replace, "Replace files that are there and differ");
     m_jsonFile = arguments.add_option("--json")->type_name("FILE");
     m_jsonFile->description("Save the statistics to a file");
+    arguments.final_callback([this] {
+        if (m_paths->count() < 2)
+            throw CLI::RequiredError("DESTINATION");
+    });
 }
 
 int TransferCommand::run(Console& console) const {
