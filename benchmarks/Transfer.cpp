@@ -7,6 +7,7 @@
 #include "foundation/Platform.h"
 #include "tools/vrtool/CancelKey.h"
 #include "tools/vrtool/Console.h"
+#include "tools/vrtool/FileCopy.h"
 #include "tools/vrtool/FileTransfer.h"
 #include "tools/vrtool/SocketLayer.h"
 #include "tools/vrtool/TransferSummary.h"
@@ -23,7 +24,6 @@ namespace {
 namespace filesystem = std::filesystem;
 
 constexpr std::size_t mebibyte = std::size_t{1} << 20;
-constexpr std::size_t pieceSize = mebibyte;
 constexpr std::size_t totalSize = 1024 * mebibyte;
 
 // The sources, made at the first use, and an empty folder to carry them to.
@@ -66,14 +66,10 @@ void carry(Media const& media) {
     static Console console;
     CancelKey const key;
     auto const destination = transferDestination(media.to().native());
-    TransferSetting setting{console,
-                            key,
-                            destination,
-                            false,
-                            false,
-                            L"benchmark",
-                            std::vector<unsigned char>(pieceSize),
-                            {}};
+    TransferSetting setting{
+        console, key,       destination,  false,
+        false,   L"server", L"benchmark", std::vector<unsigned char>(copyPieceSize),
+        {}};
     TransferSummary summary;
     for (auto const& source : media.sources())
         summary.add(source.place, transferFile(source, setting));

@@ -63,8 +63,9 @@ class CarriedFiles : public testing::Test {
     Console console;
     CancelKey const key;
     TransferDestination const destination = transferDestination(scratch.file(L"to"));
-    TransferSetting setting{
-        console, key, destination, false, false, L"signature", std::vector<unsigned char>(4), {}};
+    TransferSetting setting{console, key,       destination,  false,
+                            false,   L"server", L"signature", std::vector<unsigned char>(4),
+                            {}};
 };
 
 } // namespace test

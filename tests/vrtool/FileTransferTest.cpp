@@ -158,14 +158,27 @@ TEST_F(VrtoolFileTransfer, IsRefusedWhileAnotherOneHasTheTarget) {
     EXPECT_FALSE(isLeft(L"a.mxf"));
 }
 
-// The other one finishes between the look at the target and the lock.
-TEST_F(VrtoolFileTransfer, FindsThatAnotherOneHasBroughtTheFileMeanwhile) {
-    source(L"a.mxf", "media");
+// Another one changes the target between the look at it and the lock.
+TEST_F(VrtoolFileTransfer, LeavesAFileThatHasComeMeanwhile) {
+    source(L"a.mxf", "brand-new");
+    test::ImportHook<decltype(LockFileEx)> const hook("LockFileEx", [&](auto... arguments) {
+        scratch.write(L"to\\a.mxf", "old");
+        return hook.original()(arguments...);
+    });
+
+    EXPECT_EQ(
+        L"cannot take the place of " + quotedTarget(L"a.mxf") + L": " +
+            systemText(ERROR_ALREADY_EXISTS),
+        carry(L"a.mxf").failure);
+    expectOldAlone();
+}
+
+TEST_F(VrtoolFileTransfer, FindsThatAnotherOneHasReplacedTheFileMeanwhile) {
+    makeOldAndNew();
     test::ImportHook<decltype(LockFileEx)> const hook("LockFileEx", [&](auto... arguments) {
         CopyFileW(scratch.file(L"from\\a.mxf").c_str(), scratch.file(L"to\\a.mxf").c_str(), FALSE);
         return hook.original()(arguments...);
     });
-    setting.replace = false;
 
     EXPECT_EQ(TransferOutcome::alreadyThere, carry(L"a.mxf").result);
 }
@@ -365,6 +378,26 @@ TEST(VrtoolTargetLock, IsFreeOnceItsHolderHasDied) {
     { auto const lock = lockTarget(path); }
 
     EXPECT_THAT(folder.names(), ElementsAre());
+}
+
+TEST_F(VrtoolFileTransfer, RemovesTheLockOfATransferThatDiedBehindItsMessage) {
+    source(L"a.mxf", "media");
+    carry(L"a.mxf");
+    scratch.write(L"to\\a.mxf.lck", "PC");
+
+    EXPECT_EQ(TransferOutcome::alreadyThere, carry(L"a.mxf").result);
+
+    EXPECT_FALSE(isLeft(L"a.mxf.lck"));
+}
+
+TEST_F(VrtoolFileTransfer, FindsAFileThereThatAnotherOneStillHas) {
+    source(L"a.mxf", "media");
+    carry(L"a.mxf");
+    auto const lock = lockTarget(vr::Path::file(scratch.file(L"to\\a.mxf")));
+
+    EXPECT_EQ(TransferOutcome::alreadyThere, carry(L"a.mxf").result);
+
+    EXPECT_TRUE(isLeft(L"a.mxf.lck"));
 }
 
 TEST(VrtoolTargetLock, LeavesNoProbeBehind) {

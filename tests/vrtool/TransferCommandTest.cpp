@@ -9,6 +9,7 @@
 #include "tests/support/WideText.h"
 #include "tests/vrtool/KeyConsole.h"
 #include "tests/vrtool/RunHere.h"
+#include "tools/vrtool/FileCopy.h"
 #include "tools/vrtool/SystemText.h"
 #include "vrUtils/Files.h"
 
@@ -277,7 +278,7 @@ TEST_F(VrtoolTransfer, IsEndedByCtrlCAndTakesTheFileOnItsWayBack) {
     test::KeyConsole const console;
     auto const end = std::chrono::steady_clock::now() + test::ceiling;
     auto const isEndless = [&](DWORD size) {
-        return size == 1024 * 1024 && std::chrono::steady_clock::now() < end;
+        return size == copyPieceSize && std::chrono::steady_clock::now() < end;
     };
     test::ImportHook<decltype(ReadFile)> const hook(
         "ReadFile",

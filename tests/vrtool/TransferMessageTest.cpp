@@ -15,8 +15,12 @@ namespace {
 
 TransferMessage messageOf(std::wstring const& source) {
     return {
-        vr::Path::file(source), vr::Path::file(L"\\\\server\\share\\a.wav"),
-        vr::Path::file(L"\\\\server\\share\\PFR-INDEX\\a.mov"), 1280, AudioFormat{48000, 24}};
+        transferServer(),
+        vr::Path::file(source),
+        vr::Path::file(L"\\\\server\\share\\a.wav"),
+        vr::Path::file(L"\\\\server\\share\\PFR-INDEX\\a.mov"),
+        1280,
+        AudioFormat{48000, 24}};
 }
 
 std::wstring fileOf(std::wstring const& target) {

@@ -10,6 +10,10 @@
 #include <string>
 #include <vector>
 
+// Large enough for networks, small enough that a piece is still in the processor's cache when it is
+// written.
+inline constexpr std::size_t copyPieceSize = 262'144;
+
 // What a copy has learned of its file on the way.
 struct CopiedFile {
     std::uint64_t size = 0;

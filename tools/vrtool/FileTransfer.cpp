@@ -93,14 +93,17 @@ class Carrier {
   private:
     void carryAll() {
         begin();
-        if (!m_setting.report && isCopied() && hasMessage()) {
+        auto const there = stateOf(m_target);
+        if (!m_setting.report && isCopied(there) && hasMessage()) {
             m_outcome.result = TransferOutcome::alreadyThere;
+            removeDeadLock(m_target);
             learnFormat();
             return;
         }
         makeFolderOf(m_target, m_setting);
         auto const lock = lockTarget(m_target);
-        carryFile();
+        // What came meanwhile stands in the way of the new file.
+        carryFile(there ? stateOf(m_target) : there);
         leaveMessage();
         if (m_setting.report)
             m_outcome.report = carryReports(m_source.file, m_target, m_setting.signature);
@@ -117,8 +120,7 @@ class Carrier {
         m_outcome.size = m_state.size;
     }
 
-    bool isCopied() const {
-        auto const there = stateOf(m_target);
+    bool isCopied(std::optional<FileState> const& there) const {
         return there && isCopyOf(m_state, *there);
     }
 
@@ -131,9 +133,8 @@ class Carrier {
         }
     }
 
-    void carryFile() {
-        auto const old = stateOf(m_target);
-        if (old && isCopyOf(m_state, *old)) {
+    void carryFile(std::optional<FileState> const& old) {
+        if (isCopied(old)) {
             m_outcome.result = TransferOutcome::alreadyThere;
             learnFormat();
             return;
@@ -148,7 +149,7 @@ class Carrier {
         if (old)
             replace(file, m_target, *m_outcome.size);
         else
-            file.commit(*m_outcome.size);
+            file.commitNew(*m_outcome.size);
         m_outcome.result = old ? TransferOutcome::replaced : TransferOutcome::transferred;
     }
 
@@ -196,8 +197,8 @@ class Carrier {
         makeFolderOf(file, m_setting);
         saveWhole(
             messageText(
-                {m_source.file, m_outcome.target, m_outcome.index, *m_outcome.size,
-                 m_outcome.format}),
+                {m_setting.server, m_source.file, m_outcome.target, m_outcome.index,
+                 *m_outcome.size, m_outcome.format}),
             file);
     }
 

@@ -21,6 +21,8 @@ struct TransferSetting {
     TransferDestination const& destination;
     bool replace = false;
     bool report = false;
+    // What messages and reports name.
+    std::wstring server;
     std::wstring signature;
     std::vector<unsigned char> buffer;
     // The folders of the targets that are known to be there.

@@ -32,6 +32,10 @@ Files::LockFile lockTarget(vr::Path const& target) {
     }
 }
 
+void removeDeadLock(vr::Path const& target) {
+    DeleteFileW(lockFileOf(target).components().wholePath().c_str());
+}
+
 vr::Path lockFileOf(vr::Path const& target) {
     return vr::Path::file(target.components().wholePath() + L".lck");
 }

@@ -4,9 +4,11 @@
 #include "tools/vrtool/CommandLine.h"
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/ExitCodes.h"
+#include "tools/vrtool/FileCopy.h"
 #include "tools/vrtool/FileTransfer.h"
 #include "tools/vrtool/SocketLayer.h"
 #include "tools/vrtool/TransferFailure.h"
+#include "tools/vrtool/TransferMessage.h"
 #include "tools/vrtool/TransferSummary.h"
 #include "tools/vrtool/Utf8.h"
 #include "tools/vrtool/WholeFile.h"
@@ -37,8 +39,6 @@ wrong; 4 after Ctrl-C.
 Example:
   vrtool transfer "D:\Media\Day 1" \\server\share\archive --report
   vrtool transfer clip.wav E:\Backup --replace --json totals.json)";
-
-constexpr std::size_t pieceSize = 1024 * 1024;
 
 constexpr std::uint32_t highestInstance = 100;
 
@@ -119,13 +119,10 @@ int TransferCommand::transfer(Console& console) const {
     if (sources.size() < found.size())
         console.out(leftOut(found.size() - sources.size()));
 
-    TransferSetting setting{console,
-                            key,
-                            destination,
-                            m_replace,
-                            m_report,
-                            signature(),
-                            std::vector<unsigned char>(pieceSize),
+    TransferSetting setting{console,     key,
+                            destination, m_replace,
+                            m_report,    transferServer(),
+                            signature(), std::vector<unsigned char>(copyPieceSize),
                             {}};
     TransferSummary summary;
     auto isCancelled = false;

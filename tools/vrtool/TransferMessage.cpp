@@ -40,6 +40,10 @@ std::string element(char const* name, std::wstring const& text) {
 
 } // namespace
 
+std::wstring transferServer() {
+    return vrUtils::Instancing::instanceHost(vrUtils::Process::GetComputerNameW(), transferService);
+}
+
 vr::Path messageFile(vr::Path const& target) {
     auto const& parts = target.components();
     TransferParams transfer;
@@ -52,9 +56,7 @@ vr::Path messageFile(vr::Path const& target) {
 
 std::string messageText(TransferMessage const& message) {
     auto text = std::string("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<transfer>\n") +
-                element(
-                    "server", vrUtils::Instancing::instanceHost(
-                                  vrUtils::Process::GetComputerNameW(), transferService)) +
+                element("server", message.server) +
                 element("source", message.source.components().wholePath()) +
                 element("target", message.target.components().wholePath()) +
                 element("index", message.index.components().wholePath()) +

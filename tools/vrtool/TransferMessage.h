@@ -10,12 +10,16 @@
 
 // What the asset management is told of a file that has arrived.
 struct TransferMessage {
+    std::wstring server;
     vr::Path source;
     vr::Path target;
     vr::Path index;
     std::uint64_t size = 0;
     std::optional<AudioFormat> format;
 };
+
+// The service of the current instance on this computer that messages name.
+std::wstring transferServer();
 
 // Where the message of a target goes: the folder "messages" beside it, under the target's name made
 // legal, with ".xml" behind it.

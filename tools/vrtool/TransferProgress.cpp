@@ -30,7 +30,7 @@ std::uint64_t shareOf(std::uint64_t done, std::uint64_t size, std::uint64_t whol
 
 TransferProgress::TransferProgress(Console& console, std::wstring const& name, std::uint64_t size)
     : m_console(console), m_name(name), m_size(size) {
-    m_next = m_start + (console.errorIsConsole() ? Clock::duration(terminalPause) : plainPause);
+    m_next += terminalPause;
 }
 
 TransferProgress::~TransferProgress() {
@@ -42,9 +42,15 @@ void TransferProgress::show(std::uint64_t done) {
     auto const now = Clock::now();
     if (now < m_next)
         return;
+    // Not asked before, since most files are done by now.
+    auto const isTerminal = m_console.errorIsConsole();
+    if (!isTerminal && now < m_start + plainPause) {
+        m_next = m_start + plainPause;
+        return;
+    }
     auto const elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(now - m_start);
     auto const line = progressLine(m_name, done, m_size, elapsed);
-    if (m_console.errorIsConsole()) {
+    if (isTerminal) {
         write(line);
         m_next = now + terminalPause;
     } else {

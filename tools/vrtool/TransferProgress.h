@@ -33,7 +33,7 @@ class TransferProgress {
     std::wstring m_name;
     std::uint64_t m_size;
     Clock::time_point m_start = Clock::now();
-    Clock::time_point m_next;
+    Clock::time_point m_next = m_start;
     std::size_t m_columns = 0;
 };
 

@@ -13,13 +13,11 @@ namespace PFC = vrUtils::PFC;
 
 namespace {
 
-constexpr std::size_t pieceSize = 65536;
-
 // With its time, so that the file is known to be the same when it is carried for itself too.
 void copyWhole(vr::Path const& source, vr::Path const& target) {
     vrUtils::Storage::MakeDirectoryIterative(target);
     WholeFile file(target);
-    std::vector<unsigned char> buffer(pieceSize);
+    std::vector<unsigned char> buffer(copyPieceSize);
     auto const copied = copyFile(source, file.part(), buffer, [](std::uint64_t) {});
     file.commit(copied.size);
 }

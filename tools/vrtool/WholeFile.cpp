@@ -7,11 +7,15 @@
 WholeFile::WholeFile(vr::Path const& target)
     : m_target(target), m_part(partOf(target)), m_partDeleter(m_part) {}
 
-void WholeFile::commit(std::uint64_t size) {
+void WholeFile::commit(std::uint64_t size) { rename(size, MOVEFILE_REPLACE_EXISTING); }
+
+void WholeFile::commitNew(std::uint64_t size) { rename(size, 0); }
+
+void WholeFile::rename(std::uint64_t size, std::uint32_t flags) {
     requireWhole(m_part, size);
     auto const part = m_part.str();
     auto const target = m_target.str();
-    if (!MoveFileExW(part.c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING)) {
+    if (!MoveFileExW(part.c_str(), target.c_str(), flags)) {
         auto const error = GetLastError();
         throw TransferFailure(L"cannot take the place of", m_target, error);
     }

@@ -22,7 +22,12 @@ class WholeFile {
     // @throws TransferFailure with the reason; the target then is as it was
     void commit(std::uint64_t size);
 
+    // The same for a target that is not there; one that has come meanwhile is in the way.
+    void commitNew(std::uint64_t size);
+
   private:
+    void rename(std::uint64_t size, std::uint32_t flags);
+
     vr::Path m_target;
     vr::Path m_part;
     vrUtils::Storage::TempFileDeleter m_partDeleter;
