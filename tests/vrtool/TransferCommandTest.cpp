@@ -334,6 +334,7 @@ TEST_F(VrtoolTransfer, CarriesReportsAsFilesUnlessTheyAreToBeMade) {
 TEST_F(VrtoolTransfer, KeepsTheMovieWhoseReportCannotBeMade) {
     source(L"m.mov", "movie");
     source(L"pfc\\m.xml", "<pfc/>");
+    scratch.write(L"to\\from\\pfchtml\\m.html", "the page of an earlier movie");
     test::FailingImport<decltype(CreateProcessW)> const fails(
         "CreateProcessW", FALSE, ERROR_FILE_NOT_FOUND, test::everyCall);
 
