@@ -107,6 +107,7 @@ TEST_F(VrtoolSetAside, KeepsItsFolderFromOthersWhoAreDone) {
 
     { RecoveryFolder const others(vr::Path::folder(folder.file(L"Recovery\\"))); }
 
+    EXPECT_FALSE(RemoveDirectoryW(folder.file(L"Recovery").c_str()));
     EXPECT_TRUE(folder.exists(L"Recovery"));
 }
 
