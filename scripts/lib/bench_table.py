@@ -79,6 +79,8 @@ ROWS = {
     "sidecar-100": Row("sidecar among 100 entries", beat={"std": 1}),
     "sidecar-1000": Row("sidecar among 1,000 entries", beat={"std": 1}),
     "sidecar-10000": Row("sidecar among 10,000 entries", beat={"std": 1}),
+    "transfer-1": Row("1 GiB carried in one file", within={"CopyFileW": 1.1}),
+    "transfer-1000": Row("1 GiB carried in 1,000 files", within={"CopyFileW": 2}),
     "command-line": Row("command line of 7 parameters split",
                         beat={"CommandLineToArgvW": 1.4}, within={"hand": 1.3}),
     "command-line-64Ki": Row("command line of 64 Ki characters split", within={"hand": 1.3}),

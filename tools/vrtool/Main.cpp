@@ -27,6 +27,7 @@
 #include "tools/vrtool/StatsDemoCommand.h"
 #include "tools/vrtool/TerminateCommand.h"
 #include "tools/vrtool/TimecodeCommand.h"
+#include "tools/vrtool/TransferCommand.h"
 #include "tools/vrtool/Utf8.h"
 #include "tools/vrtool/WatchCommand.h"
 #include "tools/vrtool/WhereCommand.h"
@@ -45,6 +46,7 @@ using Commands = std::vector<std::unique_ptr<Command>>;
 Commands allCommands() {
     Commands commands;
     commands.push_back(std::make_unique<InspectCommand>());
+    commands.push_back(std::make_unique<TransferCommand>());
     commands.push_back(std::make_unique<PathCommand>());
     commands.push_back(std::make_unique<SettingsCommand>());
     commands.push_back(std::make_unique<RegistryCommand>());
