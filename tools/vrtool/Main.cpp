@@ -10,6 +10,7 @@
 #include "tools/vrtool/LockCommand.h"
 #include "tools/vrtool/PathCommand.h"
 #include "tools/vrtool/PortCommand.h"
+#include "tools/vrtool/PreflightCommand.h"
 #include "tools/vrtool/RegistryCommand.h"
 #include "tools/vrtool/RunCommand.h"
 #include "tools/vrtool/SameCommand.h"
@@ -21,6 +22,7 @@
 #include "tools/vrtool/WatchCommand.h"
 #include "tools/vrtool/WhereCommand.h"
 #include "tools/vrtool/WhoamiCommand.h"
+#include "tools/vrtool/XsltCommand.h"
 #include "vrUtils/version.h"
 #include "vrUtils/vrException.h"
 
@@ -36,6 +38,8 @@ Commands allCommands() {
     Commands commands;
     commands.push_back(std::make_unique<InspectCommand>());
     commands.push_back(std::make_unique<TransferCommand>());
+    commands.push_back(std::make_unique<PreflightCommand>());
+    commands.push_back(std::make_unique<XsltCommand>());
     commands.push_back(std::make_unique<PathCommand>());
     commands.push_back(std::make_unique<SettingsCommand>());
     commands.push_back(std::make_unique<RegistryCommand>());
