@@ -69,6 +69,9 @@ ROWS = {
                         beat={"CommandLineToArgvW": 1.4}, within={"hand": 1.3}),
     "command-line-64Ki": Row("command line of 64 Ki characters split", within={"hand": 1.3}),
     "command-line-1Mi": Row("command line of 1 Mi characters split", within={"hand": 1.3}),
+    "xslt-1KiB": Row("text made of 1 KiB of XML", within={"limit": 1.05}),
+    "xslt-100KiB": Row("text made of 100 KiB of XML", within={"limit": 1.05}),
+    "xslt-10MiB": Row("text made of 10 MiB of XML", within={"limit": 1.05}),
 }
 
 # Operations whose cost must keep step with the size of the input.
@@ -77,6 +80,7 @@ SCALING = [
     ("command-line-64Ki", "command-line-1Mi", "16 times the text", 24),
     ("registry-dump-1000", "registry-dump-10000", "10 times the values", 13),
     ("registry-restore-1000", "registry-restore-10000", "10 times the values", 13),
+    ("xslt-100KiB", "xslt-10MiB", "102 times the text", 140),
 ]
 
 HEADER = ("operation", "candidate", "median", "least", "greatest", "to ours", "to reach", "reached")
