@@ -19,12 +19,16 @@ std::string toAnsi(ComText const& text) {
     auto const units = static_cast<int>(text.size());
     if (units == 0)
         return {};
-    auto const length =
-        WideCharToMultiByte(CP_ACP, 0, text.c_str(), units, nullptr, 0, nullptr, nullptr);
-    std::string bytes(static_cast<std::size_t>(length), '\0');
-    if (WideCharToMultiByte(
-            CP_ACP, 0, text.c_str(), units, bytes.data(), length, nullptr, nullptr) == 0)
-        throw std::bad_alloc();
+    auto const convert = [&](char* bytes, int room) {
+        auto const length =
+            WideCharToMultiByte(CP_ACP, 0, text.c_str(), units, bytes, room, nullptr, nullptr);
+        // Zero says that it failed, of the question for the length too.
+        if (length <= 0)
+            throw std::bad_alloc();
+        return length;
+    };
+    std::string bytes(static_cast<std::size_t>(convert(nullptr, 0)), '\0');
+    convert(bytes.data(), static_cast<int>(bytes.size()));
     return bytes;
 }
 

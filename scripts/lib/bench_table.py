@@ -97,6 +97,9 @@ ROWS = {
     "stats-json-5": Row("5 statistics as JSON", within={"limit": 1.15}),
     "stats-json-1000": Row("1,000 statistics as JSON", within={"limit": 1.15}),
     "elapsed-time": Row("scope timed for the log"),
+    "xslt-1KiB": Row("text made of 1 KiB of XML", within={"limit": 1.05}),
+    "xslt-100KiB": Row("text made of 100 KiB of XML", within={"limit": 1.05}),
+    "xslt-10MiB": Row("text made of 10 MiB of XML", within={"limit": 1.05}),
 }
 
 # Operations whose cost must keep step with the size of the input.
@@ -106,6 +109,7 @@ SCALING = [
     ("sidecar-1000", "sidecar-10000", "10 times the entries", 12),
     ("registry-dump-1000", "registry-dump-10000", "10 times the values", 13),
     ("registry-restore-1000", "registry-restore-10000", "10 times the values", 13),
+    ("xslt-100KiB", "xslt-10MiB", "102 times the text", 140),
 ]
 
 HEADER = ("operation", "candidate", "median", "least", "greatest", "to ours", "to reach", "reached")

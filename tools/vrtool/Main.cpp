@@ -17,6 +17,7 @@
 #include "tools/vrtool/PathCommand.h"
 #include "tools/vrtool/PlacesCommand.h"
 #include "tools/vrtool/PortCommand.h"
+#include "tools/vrtool/PreflightCommand.h"
 #include "tools/vrtool/RegistryCommand.h"
 #include "tools/vrtool/RemoveCommand.h"
 #include "tools/vrtool/RunCommand.h"
@@ -32,6 +33,7 @@
 #include "tools/vrtool/WatchCommand.h"
 #include "tools/vrtool/WhereCommand.h"
 #include "tools/vrtool/WhoamiCommand.h"
+#include "tools/vrtool/XsltCommand.h"
 #include "vrUtils/version.h"
 #include "vrUtils/vrException.h"
 
@@ -47,6 +49,8 @@ Commands allCommands() {
     Commands commands;
     commands.push_back(std::make_unique<InspectCommand>());
     commands.push_back(std::make_unique<TransferCommand>());
+    commands.push_back(std::make_unique<PreflightCommand>());
+    commands.push_back(std::make_unique<XsltCommand>());
     commands.push_back(std::make_unique<PathCommand>());
     commands.push_back(std::make_unique<SettingsCommand>());
     commands.push_back(std::make_unique<RegistryCommand>());
