@@ -15,7 +15,8 @@ void showIndex(vr::Path const& clip) {
     std::wcout << L"indexed as " << entry << L'\n';
     // The index keeps no extension, so the caller has to know it.
     vrUtils::Files::IndexToArchivePathConverter const back;
-    std::wcout << L"archived as " << back.GetArchivePath(entry, L".mxf") << L'\n';
+    auto const archived = back.GetArchivePath(entry, L".mxf");
+    std::wcout << L"archived as " << archived << L'\n';
 }
 
 void showMessages() {

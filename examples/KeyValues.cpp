@@ -12,7 +12,8 @@ namespace {
 
 void print(vrKeyValues const& job, std::wstring const& key) {
     try {
-        std::wcout << key << L": " << job.GetStringValue(key) << L'\n';
+        auto const text = job.GetStringValue(key);
+        std::wcout << key << L": " << text << L'\n';
     } catch (KeyValueWrongTypeException const&) {
         std::wcout << key << L" is no text but " << job.TypeName(key) << L'\n';
     } catch (KeyValueNotPresentException const&) {

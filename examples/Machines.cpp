@@ -31,9 +31,9 @@ int main() {
         return 1;
     }
 
-    auto const clip = vr::Path::file(L"192.0.2.7", L"Media\\", L"clip.mxf");
-    compare(clip, vr::Path::folder(L"\\\\192.0.2.7:8080\\Archive\\"));
-    compare(clip, vr::Path::folder(L"\\\\192.0.2.8\\Media\\"));
+    auto const clip = vr::Path::file(L"198.51.100.7", L"Media\\", L"clip.mxf");
+    compare(clip, vr::Path::folder(L"\\\\198.51.100.7:8080\\Archive\\"));
+    compare(clip, vr::Path::folder(L"\\\\198.51.100.8\\Media\\"));
 
     place(vr::Path::file(L"C:\\Media\\clip.mxf"));
     place(vr::Path::file(L"localhost", L"Media\\", L"clip.mxf"));

@@ -12,30 +12,30 @@ using namespace vrUtils::Storage;
 
 namespace {
 
-void write(vr::Path const& file, std::string const& text) {
-    SaveSmallFile({text.begin(), text.end()}, file);
-}
-
-void print(vr::Path const& clip) {
-    std::vector<char> bytes;
-    LoadSmallFile(clip, 1024, &bytes);
-    std::wcout << L"the clip is " << std::wstring(bytes.begin(), bytes.end()) << L'\n';
-}
-
 void replace(vr::Path const& clip, bool breaksDown) {
     RecoverableFileDeleter old(clip, L"SafeReplace");
     old.Delete();
     try {
         TempFileDeleter partial(clip);
-        write(clip, breaksDown ? "ne" : "new");
+        SaveSmallFile({'n', 'e', 'w'}, clip);
         if (breaksDown)
             throw vrException(__LINE__, L"the source has gone");
         partial.SetFile({}); // it is whole, and stays
-    } catch (vrException const& failure) {
-        old.Recover();
-        std::wcout << L"the old clip is back, since " << failure.message() << L'\n';
+    } catch (...) {
+        old.Recover(); // whatever it was: the copy goes for good when the object goes
+        throw;
     }
-    print(clip);
+}
+
+void tryToReplace(vr::Path const& clip, bool breaksDown) {
+    try {
+        replace(clip, breaksDown);
+    } catch (vrException const& failure) {
+        std::wcout << L"not replaced: " << failure.message() << L'\n';
+    }
+    std::vector<char> bytes;
+    LoadSmallFile(clip, 1024, &bytes);
+    std::wcout << L"the clip is " << std::wstring(bytes.begin(), bytes.end()) << L'\n';
 }
 
 } // namespace
@@ -43,13 +43,13 @@ void replace(vr::Path const& clip, bool breaksDown) {
 int main() try {
     std::wstring name;
     GenerateTempFilename(name);
-    auto const wanted = std::filesystem::temp_directory_path() / name / L"";
-    auto const folder = vr::Path::folder(wanted.wstring());
-    TempFolder const work(folder, NewNameIfExists, DeleteAlways, L"SafeReplace");
+    auto const folder = std::filesystem::temp_directory_path() / name / L"";
+    TempFolder const work(
+        {folder.wstring(), vr::Path::eFolder}, NewNameIfExists, DeleteAlways, L"SafeReplace");
     auto const clip = work.Name() + vr::Path::file(L"clip.mxf");
-    write(clip, "old");
-    replace(clip, true);
-    replace(clip, false);
+    SaveSmallFile({'o', 'l', 'd'}, clip);
+    tryToReplace(clip, true);
+    tryToReplace(clip, false);
     return work.Created() ? 0 : 1;
 } catch (vrStorageException const& failure) {
     std::wcerr << failure.text() << L": error " << failure.error() << L'\n';
