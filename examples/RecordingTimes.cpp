@@ -46,10 +46,12 @@ int main() {
     auto const duration = Assets::getDuration(item);
     unsigned long const askedFor = minute / 2;
     OverMidnightInPointAdjuster const adjuster(start, duration, askedFor, eFrameRate25);
-    std::wcout << L"in-point: frame " << adjuster.Adjust() - start << L" of " << duration << L'\n';
+    auto const inPoint = adjuster.Adjust();
+    std::wcout << L"in-point: " << askedFor << L" stands for " << inPoint << L", frame "
+               << inPoint - start << L" of " << duration << L'\n';
 
     std::wcout << L"track: " << vrUtils::Tracks::typeName(eTrackTimecode) << L'\n';
     auto const isCombining = vrUtils::Servers::isCombiningArchive(eServerCombiningArchive);
     std::wcout << (isCombining ? L"combines with its archive\n" : L"has its archive apart\n");
-    return mobs == 2 && adjuster.Adjust() == day + askedFor ? 0 : 1;
+    return mobs == 2 && inPoint == day + askedFor ? 0 : 1;
 }

@@ -68,8 +68,8 @@ INSTANTIATE_TEST_SUITE_P(
              "copied: relative, assigned: absolute"}},
         Example{
             "RecordingTimes",
-            {"media objects: 2", "in-point: frame 2250 of 3000", "track: Timecode",
-             "combines with its archive"}},
+            {"media objects: 2", "in-point: 750 stands for 2160750, frame 2250 of 3000",
+             "track: Timecode", "combines with its archive"}},
         Example{"Reports", {"loudness: passed", "made the page"}},
         Example{
             "RunTool",
