@@ -47,5 +47,7 @@ int main() {
     retry.Remove(L"replace");
     print(job, L"clip");
     print(retry, L"clip");
+    print(retry, L"frames"); // came with the rest
+    print(retry, L"replace");
     return retry.Contains(L"replace") ? 1 : 0;
 }

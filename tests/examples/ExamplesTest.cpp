@@ -54,7 +54,8 @@ INSTANTIATE_TEST_SUITE_P(
         Example{
             "KeyValues",
             {"clip: clip1.mxf", "frames is no text but Uint32", "Clip is not given",
-             "lasts 60 seconds, replaces", "clip: clip1.mxf", "clip: clip1-again.mxf"}},
+             "lasts 60 seconds, replaces", "clip: clip1.mxf", "clip: clip1-again.mxf",
+             "frames is no text but Uint32", "replace is not given"}},
         Example{
             "LockedFile",
             {"the first one holds the clip", "the second one has to wait",
