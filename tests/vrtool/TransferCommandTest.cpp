@@ -303,6 +303,7 @@ TEST_F(VrtoolTransfer, IsEndedByCtrlCAndTakesTheFileOnItsWayBack) {
     EXPECT_THAT(scratch.names(L"to"), ElementsAre(L"b.mxf"));
 }
 
+// In a console that the report's program shares, as `runToolInConsole` tells.
 TEST_F(VrtoolTransfer, CarriesReportsAndMakesTheHtmlOne) {
     source(L"m.mov", "movie");
     source(
@@ -311,7 +312,9 @@ TEST_F(VrtoolTransfer, CarriesReportsAndMakesTheHtmlOne) {
     source(L"genealogy\\m.xml", "<genealogy/>");
     source(L"pfchtml\\m.html", "an old page");
 
-    auto const run = transfer({from, L"--report"});
+    test::KeyConsole const console;
+
+    auto const run = test::runToolInConsole({L"transfer", from, to, L"--report"});
 
     EXPECT_EQ(0u, run.exitCode) << run.error;
     EXPECT_EQ("<genealogy/>", target(L"from\\genealogy\\m.xml"));
