@@ -13,8 +13,9 @@ namespace benchmarks {
 
 // Registers one candidate.
 // @param work one run of the operation; what it returns counts as used
+// @param threads how many do it at the same time
 template <class Work>
-void candidate(char const* row, char const* name, Work work) {
+void candidate(char const* row, char const* name, Work work, int threads = 1) {
     auto const measure = [work = std::move(work)](benchmark::State& state) {
         for (auto _ : state) {
             auto result = work();
@@ -24,6 +25,25 @@ void candidate(char const* row, char const* name, Work work) {
         }
     };
     // The clock of the processor's time is too coarse here to settle the number of runs.
+    auto* const registered =
+        benchmark::RegisterBenchmark((std::string(row) + '/' + name).c_str(), measure);
+    registered->UseRealTime()->Threads(threads);
+}
+
+// Registers one candidate whose work uses up what it works on.
+// @param prepare makes it anew ahead of each run, and is not measured
+template <class Prepare, class Work>
+void preparedCandidate(char const* row, char const* name, Prepare prepare, Work work) {
+    auto const measure = [=](benchmark::State& state) {
+        for (auto _ : state) {
+            state.PauseTiming();
+            prepare();
+            state.ResumeTiming();
+            auto result = work();
+            benchmark::DoNotOptimize(result);
+            benchmark::ClobberMemory();
+        }
+    };
     benchmark::RegisterBenchmark((std::string(row) + '/' + name).c_str(), measure)->UseRealTime();
 }
 

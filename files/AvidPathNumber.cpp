@@ -4,6 +4,7 @@
 #include "foundation/Mutex.h"
 #include "foundation/Platform.h"
 
+#include <algorithm>
 #include <map>
 #include <mutex>
 
@@ -18,10 +19,12 @@ class AvidPathNumbers {
         return entry == m_numbers.end() ? 1 : entry->second;
     }
 
-    // The text is made before the lock is released.
+    // The text is made before the lock is released. A caller that was overtaken by another one does
+    // not take the base back to its own number.
     std::wstring give(std::wstring const& base, int number) {
         std::lock_guard const guard(m_lock);
-        m_numbers[base] = number;
+        auto& last = m_numbers[base];
+        last = std::max(last, number);
         return std::to_wstring(number);
     }
 

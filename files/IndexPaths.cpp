@@ -28,7 +28,7 @@ vr::Path ArchiveToIndexPathConverter::GetIndexPath(vr::Path const& path) const {
     vr::PathCreator index;
     index.append(parts.rootAndDrive()).append(share).append(indexFolder);
     index.append(rest).append(parts.fileName()).appendRaw(indexExtension);
-    return {index.get(), vr::Path::eDetect};
+    return {index.c_str(), vr::Path::eDetect};
 }
 
 vr::Path IndexToArchivePathConverter::GetArchivePath(
@@ -52,7 +52,7 @@ vr::Path IndexToArchivePathConverter::GetArchivePath(
 
     vr::PathCreator const archive(
         root, folders.c_str(), parts.fileName().c_str(), extension.c_str());
-    return {archive.get(), vr::Path::eDetect};
+    return {archive.c_str(), vr::Path::eDetect};
 }
 
 } // namespace vrUtils::Files

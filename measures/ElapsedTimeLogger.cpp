@@ -11,13 +11,13 @@ constexpr std::int64_t millisecondsPerSecond = 1000;
 
 // The platform promises both since its version of 2001; there is nothing to test.
 std::int64_t ticksPerSecond() noexcept {
-    LARGE_INTEGER frequency;
+    LARGE_INTEGER frequency{};
     QueryPerformanceFrequency(&frequency);
     return frequency.QuadPart;
 }
 
 std::int64_t ticksNow() noexcept {
-    LARGE_INTEGER ticks;
+    LARGE_INTEGER ticks{};
     QueryPerformanceCounter(&ticks);
     return ticks.QuadPart;
 }

@@ -2,6 +2,7 @@
 
 #include "foundation/Log.h"
 #include "foundation/Message.h"
+#include "foundation/Platform.h"
 #include "storage/FolderStrategies.h"
 
 namespace vrUtils::Storage {
@@ -16,19 +17,17 @@ TempFolder::TempFolder(
     auto text = m_folder.str();
     auto const* const creator = folderCreator(m_createBehaviour);
     auto const result = creator ? creator->Create(text) : FolderFailed;
-    m_folder = vr::Path::folder(text);
     m_created = result == FolderCreated;
 
-    if (result == FolderFailed)
-        logComposed(
-            LogLevel::warning, m_logModule,
-            composeMessage(L"Unable to create temporary folder \"", m_folder, L'"'));
-    else
-        logComposed(
-            LogLevel::trace, m_logModule,
-            composeMessage(
-                m_created ? L"Created temporary folder \"" : L"Using temporary folder \"", m_folder,
-                L'"'));
+    try {
+        m_folder = vr::Path::folder(text);
+        report(result == FolderFailed);
+    } catch (...) {
+        // Without an object nothing would ever remove the folder.
+        if (m_created)
+            RemoveDirectoryW(text.c_str());
+        throw;
+    }
 }
 
 TempFolder::~TempFolder() {
@@ -44,6 +43,19 @@ TempFolder::~TempFolder() {
 bool TempFolder::Created() const { return m_created; }
 
 vr::Path TempFolder::Name() const { return m_folder; }
+
+void TempFolder::report(bool failed) const {
+    if (failed)
+        logComposed(
+            LogLevel::warning, m_logModule,
+            composeMessage(L"Unable to create temporary folder \"", m_folder, L'"'));
+    else
+        logComposed(
+            LogLevel::trace, m_logModule,
+            composeMessage(
+                m_created ? L"Created temporary folder \"" : L"Using temporary folder \"", m_folder,
+                L'"'));
+}
 
 void TempFolder::remove() const {
     auto const* const deleter = folderDeleter(m_deleteBehaviour);

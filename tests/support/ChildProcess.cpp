@@ -73,6 +73,7 @@ PROCESS_INFORMATION startProcess(
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = start.input;
     startup.hStdOutput = output;
     startup.hStdError = output;
     PROCESS_INFORMATION process{};

@@ -36,6 +36,8 @@ struct ChildStart {
     std::map<std::wstring, std::wstring> environment = {};
     // If empty, that of the test.
     std::wstring folder = {};
+    // Standard input, which the child inherits; none if null.
+    HANDLE input = nullptr;
 };
 
 // Killed by the destructor if it still runs then. Its own children are not.

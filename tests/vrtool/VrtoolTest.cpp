@@ -449,3 +449,121 @@ INSTANTIATE_TEST_SUITE_P(
             "PORT: Value 65536 not in range 1 to 65535",
             "connect [OPTIONS] HOST PORT"}),
     [](auto const& test) { return test.param.name; });
+
+TEST(Vrtool, HelpListsTheSubcommandsOfTheStorage) {
+    auto const run = test::runTool({L"--help"});
+
+    EXPECT_THAT(
+        run.out, AllOf(
+                     HasSubstr("\n  disk "), HasSubstr("\n  sidecar "), HasSubstr("\n  find "),
+                     HasSubstr("\n  index "), HasSubstr("\n  archive "), HasSubstr("\n  number "),
+                     HasSubstr("\n  places "), HasSubstr("\n  remove ")));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    VrtoolStorage, VrtoolHelp,
+    testing::Values(
+        Arguments{L"disk", L"--help"}, Arguments{L"sidecar", L"--help"},
+        Arguments{L"find", L"--help"}, Arguments{L"index", L"--help"},
+        Arguments{L"archive", L"--help"}, Arguments{L"number", L"--help"},
+        Arguments{L"places", L"--help"}, Arguments{L"remove", L"--help"}),
+    [](auto const& test) { return toUtf8(test.param.front()); });
+
+INSTANTIATE_TEST_SUITE_P(
+    VrtoolStorage, VrtoolWrongArguments,
+    testing::Values(
+        WrongArguments{
+            "DiskWithoutBytes",
+            {L"disk", L"C:\\"},
+            "BYTES is required",
+            "disk [OPTIONS] TARGET BYTES"},
+        WrongArguments{
+            "DiskOfNoNumber",
+            {L"disk", L"C:\\", L"much"},
+            "BYTES: Value much not in range 0 to 18446744073709551615",
+            "disk [OPTIONS] TARGET BYTES"},
+        WrongArguments{
+            "DiskBelowZero",
+            {L"disk", L"C:\\", L"-1"},
+            "BYTES: Value -1 not in range 0 to 18446744073709551615",
+            "disk [OPTIONS] TARGET BYTES"},
+        WrongArguments{
+            "DiskOfTooManyBytes",
+            {L"disk", L"C:\\", L"18446744073709551616"},
+            "BYTES: Value 18446744073709551616 not in range 0 to 18446744073709551615",
+            "disk [OPTIONS] TARGET BYTES"},
+        WrongArguments{
+            "SidecarWithoutPattern",
+            {L"sidecar", L"a", L"--regex", L"a", L"--folder", L"a", L"--name", L"a"},
+            "--pattern is required",
+            "sidecar [OPTIONS] MOVIE"},
+        WrongArguments{"FindWithoutPath", {L"find"}, "PATH is required", "find [OPTIONS] PATH"},
+        WrongArguments{"IndexWithoutPath", {L"index"}, "PATH is required", "index [OPTIONS] PATH"},
+        WrongArguments{
+            "ArchiveWithoutExtension",
+            {L"archive", L"a"},
+            "EXTENSION is required",
+            "archive [OPTIONS] PATH EXTENSION"},
+        WrongArguments{
+            "NumberWithoutLimit",
+            {L"number", L"a"},
+            "LIMIT is required",
+            "number [OPTIONS] BASE LIMIT"},
+        WrongArguments{
+            "NumberOfTooManyEntries",
+            {L"number", L"a", L"2147483648"},
+            "LIMIT: Value 2147483648 not in range 0 to 2147483647",
+            "number [OPTIONS] BASE LIMIT"},
+        WrongArguments{
+            "PlacesWithAnArgument",
+            {L"places", L"here"},
+            "The following argument was not expected: here",
+            "places [OPTIONS]"},
+        WrongArguments{
+            "RemoveThatIsNotRecoverable",
+            {L"remove", L"a"},
+            "--recoverable is required",
+            "remove [OPTIONS] PATH"},
+        WrongArguments{
+            "RemoveWithoutPath",
+            {L"remove", L"--recoverable"},
+            "PATH is required",
+            "remove [OPTIONS] PATH"}),
+    [](auto const& test) { return test.param.name; });
+
+TEST(Vrtool, HelpListsTheSubcommandOfTheStatistics) {
+    EXPECT_THAT(test::runTool({L"--help"}).out, HasSubstr("\n  stats-demo "));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    VrtoolStatistics, VrtoolHelp, testing::Values(Arguments{L"stats-demo", L"--help"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    VrtoolStatistics, VrtoolWrongArguments,
+    testing::Values(
+        WrongArguments{
+            "NoThreads",
+            {L"stats-demo", L"--threads", L"0"},
+            "--threads: Value 0 not in range 1 to 64",
+            "stats-demo [OPTIONS]"},
+        WrongArguments{
+            "TooManyThreads",
+            {L"stats-demo", L"--threads", L"65"},
+            "--threads: Value 65 not in range 1 to 64",
+            "stats-demo [OPTIONS]"},
+        WrongArguments{
+            "NoFrames",
+            {L"stats-demo", L"--frames", L"0"},
+            "--frames: Value 0 not in range 1 to 10000000",
+            "stats-demo [OPTIONS]"},
+        WrongArguments{
+            "TooManyFrames",
+            {L"stats-demo", L"--frames", L"10000001"},
+            "--frames: Value 10000001 not in range 1 to 10000000",
+            "stats-demo [OPTIONS]"},
+        WrongArguments{
+            "StatsDemoOfSomething",
+            {L"stats-demo", L"something"},
+            "The following argument was not expected: something",
+            "stats-demo [OPTIONS]"}),
+    [](auto const& test) { return test.param.name; });

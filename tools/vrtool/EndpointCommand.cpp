@@ -4,7 +4,6 @@
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/ExitCodes.h"
 #include "tools/vrtool/Facts.h"
-#include "tools/vrtool/JsonText.h"
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/Instancing.h"
 #include "vrUtils/TcpComms.h"
@@ -78,6 +77,6 @@ int EndpointCommand::run(Console& console) const {
     auto const text = CommandLine::valuesOf(*m_text).front();
     auto facts = factsOf(text);
     addService(facts, text, *m_service ? std::optional(m_basePort) : std::nullopt, m_instance);
-    console.out(m_json ? jsonText(objectWithFailures(facts)) : tableOf(facts, console.width()));
+    console.out(m_json ? jsonOf(facts) : tableOf(facts, console.width()));
     return hasFailure(facts) ? ExitCode::failure : ExitCode::success;
 }

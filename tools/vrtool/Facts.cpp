@@ -1,5 +1,6 @@
 #include "tools/vrtool/Facts.h"
 
+#include "tools/vrtool/JsonText.h"
 #include "tools/vrtool/TextTable.h"
 #include "tools/vrtool/Utf8.h"
 
@@ -63,3 +64,5 @@ Json::Value objectWithFailures(Facts const& facts) {
             document["failures"][fact.name] = toUtf8(fact.failure);
     return document;
 }
+
+std::string jsonOf(Facts const& facts) { return jsonText(objectWithFailures(facts)); }

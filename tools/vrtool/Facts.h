@@ -1,6 +1,7 @@
 #ifndef TOOLS_VRTOOL_FACTS_H
 #define TOOLS_VRTOOL_FACTS_H
 
+#include "vrUtils/Storage/Exceptions.h"
 #include "vrUtils/vrException.h"
 
 #include <json/json.h>
@@ -29,6 +30,8 @@ Fact findFact(char const* name, Find const& result) {
         return {name, result()};
     } catch (vrException const& failure) {
         return {name, {}, failure.message()};
+    } catch (vrUtils::Storage::vrStorageException const& failure) {
+        return {name, {}, failure.text()};
     }
 }
 
@@ -42,5 +45,8 @@ Json::Value objectOf(Facts const& facts);
 
 // The same with `failures`, an object of the failures under the names of what is not known.
 Json::Value objectWithFailures(Facts const& facts);
+
+// That object as this program prints it.
+std::string jsonOf(Facts const& facts);
 
 #endif

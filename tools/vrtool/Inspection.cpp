@@ -1,25 +1,18 @@
 #include "tools/vrtool/Inspection.h"
 
+#include "tools/vrtool/AudioFormat.h"
 #include "tools/vrtool/Platform.h"
 #include "vrUtils/Files.h"
-#include "vrUtils/Parsing.h"
 
 #include <vector>
 
 namespace {
 
-constexpr std::size_t headSize = 65536;
-
-bool hasExtension(Inspection const& inspection, wchar_t const* extension) {
-    return CompareStringOrdinal(inspection.extension.c_str(), -1, extension, -1, TRUE) ==
-           CSTR_EQUAL;
-}
-
 std::vector<unsigned char> readHead(vr::Path const& path) {
     vrUtils::Files::FileHandleRead file;
     file.Open(path);
 
-    std::vector<unsigned char> head(headSize);
+    std::vector<unsigned char> head(audioHeadSize);
     DWORD count = 0;
     BOOL const read =
         ReadFile(file.Handle(), head.data(), static_cast<DWORD>(head.size()), &count, nullptr);
@@ -32,22 +25,13 @@ std::vector<unsigned char> readHead(vr::Path const& path) {
     return head;
 }
 
-template <class Parser>
 void readFormat(vr::Path const& path, Inspection& inspection) {
+    if (!hasAudioFormat(inspection.extension))
+        return;
     auto const head = readHead(path);
-    Parser parser(head.data(), static_cast<std::uint32_t>(head.size()));
-    parser.Parse();
-    inspection.samplesPerSecond = parser.GetSamplesPerSecond();
-    inspection.bitsPerSample = parser.GetBitsPerSample();
-}
-
-void readFormat(vr::Path const& path, Inspection& inspection) {
-    if (hasExtension(inspection, L".wav"))
-        readFormat<vrUtils::Parsing::WavParser>(path, inspection);
-    else if (
-        hasExtension(inspection, L".aif") || hasExtension(inspection, L".aiff") ||
-        hasExtension(inspection, L".aifc"))
-        readFormat<vrUtils::Parsing::AIFParser>(path, inspection);
+    auto const format = audioFormatOf(inspection.extension, head.data(), head.size());
+    inspection.samplesPerSecond = format->samplesPerSecond;
+    inspection.bitsPerSample = format->bitsPerSample;
 }
 
 } // namespace

@@ -1,27 +1,39 @@
 // vrtool, the operator's command-line program: reads the command line, runs the subcommand.
 
+#include "tools/vrtool/ArchiveCommand.h"
 #include "tools/vrtool/Command.h"
 #include "tools/vrtool/CommandLine.h"
 #include "tools/vrtool/ConnectCommand.h"
 #include "tools/vrtool/Console.h"
+#include "tools/vrtool/DiskCommand.h"
 #include "tools/vrtool/EndpointCommand.h"
 #include "tools/vrtool/ExitCodes.h"
+#include "tools/vrtool/FindCommand.h"
+#include "tools/vrtool/IndexCommand.h"
 #include "tools/vrtool/InspectCommand.h"
 #include "tools/vrtool/LockCommand.h"
 #include "tools/vrtool/NamesCommand.h"
+#include "tools/vrtool/NumberCommand.h"
 #include "tools/vrtool/PathCommand.h"
+#include "tools/vrtool/PlacesCommand.h"
 #include "tools/vrtool/PortCommand.h"
+#include "tools/vrtool/PreflightCommand.h"
 #include "tools/vrtool/RegistryCommand.h"
+#include "tools/vrtool/RemoveCommand.h"
 #include "tools/vrtool/RunCommand.h"
 #include "tools/vrtool/SameCommand.h"
 #include "tools/vrtool/ServicesCommand.h"
 #include "tools/vrtool/SettingsCommand.h"
+#include "tools/vrtool/SidecarCommand.h"
+#include "tools/vrtool/StatsDemoCommand.h"
 #include "tools/vrtool/TerminateCommand.h"
 #include "tools/vrtool/TimecodeCommand.h"
+#include "tools/vrtool/TransferCommand.h"
 #include "tools/vrtool/Utf8.h"
 #include "tools/vrtool/WatchCommand.h"
 #include "tools/vrtool/WhereCommand.h"
 #include "tools/vrtool/WhoamiCommand.h"
+#include "tools/vrtool/XsltCommand.h"
 #include "vrUtils/version.h"
 #include "vrUtils/vrException.h"
 
@@ -36,6 +48,9 @@ using Commands = std::vector<std::unique_ptr<Command>>;
 Commands allCommands() {
     Commands commands;
     commands.push_back(std::make_unique<InspectCommand>());
+    commands.push_back(std::make_unique<TransferCommand>());
+    commands.push_back(std::make_unique<PreflightCommand>());
+    commands.push_back(std::make_unique<XsltCommand>());
     commands.push_back(std::make_unique<PathCommand>());
     commands.push_back(std::make_unique<SettingsCommand>());
     commands.push_back(std::make_unique<RegistryCommand>());
@@ -50,8 +65,17 @@ Commands allCommands() {
     commands.push_back(std::make_unique<WhereCommand>());
     commands.push_back(std::make_unique<SameCommand>());
     commands.push_back(std::make_unique<ConnectCommand>());
+    commands.push_back(std::make_unique<DiskCommand>());
+    commands.push_back(std::make_unique<SidecarCommand>());
+    commands.push_back(std::make_unique<FindCommand>());
+    commands.push_back(std::make_unique<IndexCommand>());
+    commands.push_back(std::make_unique<ArchiveCommand>());
+    commands.push_back(std::make_unique<NumberCommand>());
+    commands.push_back(std::make_unique<PlacesCommand>());
+    commands.push_back(std::make_unique<RemoveCommand>());
     commands.push_back(std::make_unique<TimecodeCommand>());
     commands.push_back(std::make_unique<NamesCommand>());
+    commands.push_back(std::make_unique<StatsDemoCommand>());
     return commands;
 }
 

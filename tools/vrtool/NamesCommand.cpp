@@ -4,7 +4,6 @@
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/ExitCodes.h"
 #include "tools/vrtool/Facts.h"
-#include "tools/vrtool/JsonText.h"
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/AssetManagement.h"
 
@@ -102,6 +101,6 @@ int NamesCommand::run(Console& console) const {
             "metadataMessage",
             [&] { return toUtf8(CreateMetadataMsgFileName(&target, prefix, extension)); }),
     };
-    console.out(m_json ? jsonText(objectWithFailures(facts)) : tableOf(facts, console.width()));
+    console.out(m_json ? jsonOf(facts) : tableOf(facts, console.width()));
     return hasFailure(facts) ? ExitCode::failure : ExitCode::success;
 }

@@ -1,6 +1,6 @@
 #include "tools/vrtool/ProfileLines.h"
 
-#include "tools/vrtool/Platform.h"
+#include "tools/vrtool/Utf8.h"
 
 #include <algorithm>
 #include <string_view>
@@ -8,16 +8,6 @@
 namespace {
 
 constexpr wchar_t blanks[] = L" \t\r\n\v\f\x1A";
-
-std::wstring decoded(std::string_view bytes, UINT codePage) {
-    auto const count = static_cast<int>(bytes.size());
-    if (count == 0)
-        return {};
-    int const units = MultiByteToWideChar(codePage, 0, bytes.data(), count, nullptr, 0);
-    std::wstring text(static_cast<std::size_t>(units), L'\0');
-    MultiByteToWideChar(codePage, 0, bytes.data(), count, text.data(), units);
-    return text;
-}
 
 std::wstring wideText(std::string_view bytes, bool lowByteFirst) {
     std::wstring text;
@@ -37,12 +27,12 @@ struct FileText {
 
 FileText textOf(std::string_view bytes) {
     if (bytes.substr(0, 3) == "\xEF\xBB\xBF")
-        return {decoded(bytes.substr(3), CP_UTF8), true};
+        return {fromUtf8(bytes.substr(3)), true};
     if (bytes.substr(0, 2) == "\xFF\xFE")
         return {wideText(bytes.substr(2), true), true};
     if (bytes.substr(0, 2) == "\xFE\xFF")
         return {wideText(bytes.substr(2), false), true};
-    return {decoded(bytes, CP_ACP), false};
+    return {fromAnsi(bytes), false};
 }
 
 std::wstring_view trimmed(std::wstring_view text) {

@@ -2,6 +2,21 @@
 
 #include "tools/vrtool/Platform.h"
 
+namespace {
+
+std::wstring decoded(std::string_view text, UINT codePage) {
+    auto const bytes = static_cast<int>(text.size());
+    if (bytes == 0)
+        return {};
+
+    int const needed = MultiByteToWideChar(codePage, 0, text.data(), bytes, nullptr, 0);
+    std::wstring result(static_cast<std::size_t>(needed), L'\0');
+    MultiByteToWideChar(codePage, 0, text.data(), bytes, result.data(), needed);
+    return result;
+}
+
+} // namespace
+
 std::string toUtf8(std::wstring_view text) {
     auto const units = static_cast<int>(text.size());
     if (units == 0)
@@ -14,13 +29,6 @@ std::string toUtf8(std::wstring_view text) {
     return result;
 }
 
-std::wstring fromUtf8(std::string_view text) {
-    auto const bytes = static_cast<int>(text.size());
-    if (bytes == 0)
-        return {};
+std::wstring fromUtf8(std::string_view text) { return decoded(text, CP_UTF8); }
 
-    int const needed = MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, nullptr, 0);
-    std::wstring result(static_cast<std::size_t>(needed), L'\0');
-    MultiByteToWideChar(CP_UTF8, 0, text.data(), bytes, result.data(), needed);
-    return result;
-}
+std::wstring fromAnsi(std::string_view text) { return decoded(text, CP_ACP); }

@@ -10,4 +10,7 @@
 std::string toUtf8(std::wstring_view text);
 std::wstring fromUtf8(std::string_view text);
 
+// What is in the system's ANSI code page.
+std::wstring fromAnsi(std::string_view text);
+
 #endif

@@ -13,8 +13,8 @@ namespace vrUtils::Storage {
 
 /// Takes a file out of the way so that an operation that fails can put it back. The file is copied
 /// into the folder "Recovery\" beside it, then deleted; the copy goes for good when the object goes.
-/// At every moment the file or its copy is there, whole; a process that dies in between leaves the
-/// copy in "Recovery\". `docs/deletion.md` tells the rest.
+/// Until then the file or its copy is there, whole, at every moment; a process that dies in between
+/// leaves the copy in "Recovery\". `docs/deletion.md` tells the rest.
 ///
 /// The folder goes, with all that is in it, with the object that made it: **the first object among
 /// the files of one folder removes the copies of the others.** If the folder was there before, it
@@ -52,7 +52,8 @@ class VRUTILS_API RecoverableFileDeleter {
     void Delete();
 
     /// Copies the file back, over whatever is in its place. The copy stays as well.
-    /// @throws vrCopyFileException the Windows error and the path of the file
+    /// @throws vrCopyFileException the Windows error and the path of the file. **The copy is then the
+    ///         only whole one, and goes with the object**: keep that until a further call has worked
     void Recover();
 
   private:

@@ -63,6 +63,7 @@ class VRUTILS_API TempFolder {
     vr::Path Name() const;
 
   private:
+    void report(bool failed) const;
     void remove() const;
 
     vr::Path m_folder;

@@ -1,0 +1,41 @@
+#include "tools/vrtool/TransferDestination.h"
+
+#include "tools/vrtool/SystemText.h"
+#include "tools/vrtool/TransferFailure.h"
+#include "vrUtils/Files.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+vr::Path closed(std::wstring const& text) {
+    auto folder = vr::Path::folder(text);
+    folder.modify(vr::Path::eFolder).append(L"\\");
+    return folder;
+}
+
+SrvrParam serverOf(vr::Path const& folder) {
+    auto const& parts = folder.components();
+    SrvrParam server;
+    server.host = parts.root();
+    putText(server.folder, parts.root().empty() ? parts.drive() : parts.firstFolder());
+    return server;
+}
+
+} // namespace
+
+TransferDestination transferDestination(std::wstring const& argument) {
+    TransferDestination destination;
+    destination.folder = closed(fullPath(argument));
+    destination.onThisMachine = vrUtils::Files::isPathToThisMachine(destination.folder);
+    destination.local = closed(vrUtils::Files::uncToLocalPath(destination.folder).str());
+    destination.server = serverOf(destination.local);
+    return destination;
+}
+
+void putText(wchar_t (&array)[260], std::wstring const& text) {
+    if (text.size() >= std::size(array))
+        throw TransferFailure(L"the name is too long: \"" + text + L"\"");
+    *std::copy(text.begin(), text.end(), array) = L'\0';
+}
