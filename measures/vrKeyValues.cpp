@@ -28,14 +28,14 @@ struct ByCharacterCodes {
     }
 };
 
-// The classes have no heirs, so that this tells as much as a dynamic_cast, at a tenth of its cost.
+// The classes have no heirs, so that this tells as much as a dynamic_cast, and costs far less.
 template <typename Concrete>
 bool is(Value const& value) noexcept {
     return typeid(value) == typeid(Concrete);
 }
 
-// The value of a class that was replaced last, for the next one to move in: memory costs more than
-// all the rest of a replacement.
+// The value of a class that was replaced last, for the next one to move in: memory would cost more
+// than all the rest of a replacement.
 template <typename Concrete>
 class Spare {
   public:
@@ -99,7 +99,8 @@ class vrKeyValues::Entries {
   private:
     using Values = std::map<std::wstring, boost::shared_ptr<Value>, ByCharacterCodes>;
 
-    // As the map's own, whose last comparison costs more than to ask whether two keys are equal.
+    // Asks whether the keys are equal, which costs less than the comparison that ends a map's own
+    // search.
     Values::const_iterator position(std::wstring const& key) const {
         auto const entry = m_values.lower_bound(key);
         return entry != m_values.end() && entry->first == key ? entry : m_values.end();

@@ -78,25 +78,29 @@ TEST(vrStatCollectorThreads, StatsOfTheirOwnDoNotDisturbOneAnother) {
 
 TEST(vrStatCollectorThreads, JsonIsTheStateOfOneMoment) {
     constexpr int adders = 4;
-    constexpr int snapshots = 300;
-    stats().SetStatName(300, L"first");
-    stats().SetStatName(301, L"second");
+    constexpr int snapshots = 100;
+    constexpr int first = 1000;
+    constexpr int last = 1500;
+    // Those in between take their time, and so leave room between the reads of the first and the last.
+    for (int number = first; number <= last; ++number) {
+        auto const name = L"moment " + std::to_wstring(number);
+        stats().SetStatName(number, &name);
+    }
     std::atomic<bool> isOver{false};
     Threads const threads(adders, [&](int) {
         while (!isOver) {
-            stats().AddStat(300, 1u);
-            stats().AddStat(301, 1u);
+            stats().AddStat(first, 1u);
+            stats().AddStat(last, 1u);
         }
     });
 
-    // Each adder is at most one ahead with the first; without a common moment the second, which is
-    // read later, overtakes.
+    // Each adder is at most one ahead with the first; without a common moment the last overtakes.
     for (int snapshot = 0; snapshot < snapshots; ++snapshot) {
         auto const document = asDocument();
-        auto const first = document["first"].asInt64();
-        auto const second = document["second"].asInt64();
-        EXPECT_LE(second, first);
-        EXPECT_LE(first, second + adders);
+        auto const ofFirst = document["moment 1000"].asInt64();
+        auto const ofLast = document["moment 1500"].asInt64();
+        EXPECT_LE(ofLast, ofFirst);
+        EXPECT_LE(ofFirst, ofLast + adders);
     }
     isOver = true;
 }
