@@ -80,7 +80,6 @@ SCALING = [
     ("command-line-64Ki", "command-line-1Mi", "16 times the text", 24),
     ("registry-dump-1000", "registry-dump-10000", "10 times the values", 13),
     ("registry-restore-1000", "registry-restore-10000", "10 times the values", 13),
-    ("xslt-100KiB", "xslt-10MiB", "102 times the text", 140),
 ]
 
 HEADER = ("operation", "candidate", "median", "least", "greatest", "to ours", "to reach", "reached")
