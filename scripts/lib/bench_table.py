@@ -109,7 +109,6 @@ SCALING = [
     ("sidecar-1000", "sidecar-10000", "10 times the entries", 12),
     ("registry-dump-1000", "registry-dump-10000", "10 times the values", 13),
     ("registry-restore-1000", "registry-restore-10000", "10 times the values", 13),
-    ("xslt-100KiB", "xslt-10MiB", "102 times the text", 140),
 ]
 
 HEADER = ("operation", "candidate", "median", "least", "greatest", "to ours", "to reach", "reached")

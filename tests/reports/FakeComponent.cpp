@@ -120,9 +120,9 @@ class FakeComponent::Hooks {
                                              }};
     // A module that is there stands for the component's.
     ImportHook<decltype(GetModuleHandleExW)> m_hold{
-        "GetModuleHandleExW", [this](DWORD flags, LPCWSTR name, HMODULE* module) {
-            if (flags != 0 || std::wcscmp(name, L"msxml6.dll") != 0)
-                return m_hold.original()(flags, name, module);
+        "GetModuleHandleExW", [this](DWORD how, LPCWSTR name, HMODULE* module) {
+            if (how != 0 || std::wcscmp(name, L"msxml6.dll") != 0)
+                return m_hold.original()(how, name, module);
             *module = thisProgram();
             return SUCCEEDED(note("hold")) ? TRUE : FALSE;
         }};

@@ -28,7 +28,6 @@ namespace {
 using Calls = std::vector<std::string>;
 
 constexpr unsigned short textVariant = 8;
-constexpr HRESULT outOfMemory = static_cast<HRESULT>(0x8007000E);
 
 class XSLTCalls : public testing::Test {
   protected:

@@ -22,9 +22,10 @@ class VrtoolPreflight : public testing::Test {
             "<preflight><check name='Loudness' result='passed'>-23 LUFS</check></preflight>");
     }
 
+    // In a console, which the report program shares.
     test::ToolRun run(std::vector<std::wstring> arguments = {}) const {
         arguments.insert(arguments.begin(), {L"preflight", m_folder.file(L"clip.mxf")});
-        return test::runTool(arguments);
+        return test::runToolInConsole(arguments);
     }
 
     std::string path(wchar_t const* file) const { return test::utf8(m_folder.file(file)); }
@@ -99,7 +100,7 @@ TEST_F(VrtoolPreflight, MakesTheReportAnew) {
 TEST_F(VrtoolPreflight, FindsAMovieInTheCurrentFolder) {
     test::WorkingFolder const here(m_folder.path());
 
-    auto const result = test::runTool({L"preflight", L"clip.mxf", L"--json"});
+    auto const result = test::runToolInConsole({L"preflight", L"clip.mxf", L"--json"});
 
     EXPECT_EQ(path(L"pfchtml\\clip.html"), result.json()["html"].asString());
     EXPECT_EQ("made", result.json()["htmlReport"].asString());

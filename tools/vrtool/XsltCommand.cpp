@@ -22,13 +22,18 @@ Ends with 0, with 1 if there is no text, 2 if the arguments are wrong.
 Example:
   vrtool xslt D:\Media\pfc\clip.xml preflight.xsl > clip.html)";
 
+std::wstring quoted(std::wstring const& file) { return L'"' + file + L'"'; }
+
 // The library has one code for every cause.
-std::wstring whyThereIsNoText(std::wstring const& xml, std::wstring const& stylesheet) {
+// @return why there is no text; empty if there is one
+std::wstring makeText(std::wstring const& xml, std::wstring const& stylesheet, std::string& text) {
     for (auto const& file : {xml, stylesheet})
         if (!vrUtils::Files::FileExists(vr::Path::file(file)))
-            return L"no such file: \"" + file + L'"';
-    return L"cannot apply \"" + stylesheet + L"\" to \"" + xml +
-           L"\"; if one of them is not well formed, the log says so";
+            return L"no such file: " + quoted(file);
+    if (vrUtils::XSLT::XSLTtoString(xml, stylesheet, &text) < 0)
+        return L"cannot apply " + quoted(stylesheet) + L" to " + quoted(xml) +
+               L"; if one of them is not well formed, the log says so";
+    return {};
 }
 
 } // namespace
@@ -45,8 +50,9 @@ int XsltCommand::run(Console& console) const {
     auto const xml = fullPath(CommandLine::valuesOf(*m_xml).front());
     auto const stylesheet = fullPath(CommandLine::valuesOf(*m_stylesheet).front());
     std::string text;
-    if (vrUtils::XSLT::XSLTtoString(xml, stylesheet, &text) < 0) {
-        console.error("vrtool: " + toUtf8(whyThereIsNoText(xml, stylesheet)) + '\n');
+    auto const failure = makeText(xml, stylesheet, text);
+    if (!failure.empty()) {
+        console.error("vrtool: " + toUtf8(failure) + '\n');
         return ExitCode::failure;
     }
     console.out(toUtf8(fromAnsi(text)));
