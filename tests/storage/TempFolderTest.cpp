@@ -13,6 +13,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -428,8 +429,10 @@ TEST_F(TempFolders, OfNoDeleteBehaviourStay) {
 }
 
 TEST_F(TempFolders, HaveTheNormalFormOfThePath) {
-    TempFolder const folder(
-        vr::Path::folder(m_folder.path() + L"//work/"), UseExisting, DeleteIfEmpty, L"Host");
+    auto withSlashes = m_work;
+    std::replace(withSlashes.begin(), withSlashes.end(), L'\\', L'/');
+
+    TempFolder const folder(vr::Path::folder(withSlashes), UseExisting, DeleteIfEmpty, L"Host");
 
     EXPECT_EQ(m_work, folder.Name().str());
     EXPECT_THAT(m_log.lines(), ElementsAre(logged(7, L"Created", m_work)));
