@@ -7,12 +7,14 @@
 
 #include <map>
 #include <mutex>
+#include <utility>
 
 class vrStatCollector::Table {
   public:
     void name(int id, std::wstring const& name) {
+        auto key = vrUtils::wideToUtf8(name);
         std::lock_guard const guard(m_lock);
-        m_stats[id].name = name;
+        m_stats[id].key = std::move(key);
     }
 
     void add(int id, std::uint64_t amount) {
@@ -34,13 +36,14 @@ class vrStatCollector::Table {
         std::lock_guard const guard(m_lock);
         Json::Value members(Json::objectValue);
         for (auto const& [id, stat] : m_stats)
-            members[vrUtils::wideToUtf8(stat.name)] = Json::Value::UInt64(stat.value);
+            members[stat.key] = Json::Value::UInt64(stat.value);
         return vrUtils::utf8ToWide(members.toStyledString());
     }
 
   private:
     struct StatEntry {
-        std::wstring name;
+        // The name in UTF-8, as nothing but the JSON asks for it.
+        std::string key;
         std::uint64_t value = 0;
     };
 
