@@ -86,6 +86,19 @@ class PFCReports : public testing::Test {
     std::vector<char> m_report{'b', 'e', 'f', 'o', 'r', 'e'};
 };
 
+// Gives the library no block of this size or more.
+class NoMemory {
+  public:
+    explicit NoMemory(std::size_t size) : m_size(size) {}
+
+  private:
+    std::size_t m_size;
+    test::ImportHook<void*(std::size_t)> m_hook{"malloc", [this](std::size_t size) {
+                                                    return size < m_size ? m_hook.original()(size)
+                                                                         : nullptr;
+                                                }};
+};
+
 // Tells of every file that it has this length.
 class ToldLength {
   public:
@@ -175,6 +188,7 @@ TEST_F(PFCReports, ThatAreMissingFailAsTheirFilesDo) {
 }
 
 TEST_F(PFCReports, LongerThanAGibibyteAreRefused) {
+    NoMemory const memory(0x40000000);
     ToldLength const told(0x40000001);
     auto const failure = [this](wchar_t const* report) {
         return L"LoadSmallFile failed on \"" + m_folder.file(report) +
@@ -189,12 +203,10 @@ TEST_F(PFCReports, LongerThanAGibibyteAreRefused) {
     EXPECT_EQ("before", text());
 }
 
-// That it is not refused shows in the memory that is asked for it, which is not given here.
+// That it is not refused shows in the memory that is asked for it.
 TEST_F(PFCReports, OfAGibibyteAreNotRefused) {
+    NoMemory const memory(0x40000000);
     ToldLength const told(0x40000000);
-    test::ImportHook<void*(std::size_t)> memory("malloc", [&](std::size_t size) {
-        return size >= 0x40000000 ? nullptr : memory.original()(size);
-    });
 
     EXPECT_THROW(getPFCXMLReport(m_movie, &m_report), std::bad_alloc);
     EXPECT_THROW(getPFCGenealogyReport(m_movie, &m_report), std::bad_alloc);
