@@ -91,17 +91,20 @@ void copy(Media const& media) {
 // The folder is emptied between the runs, which does not count.
 template <class Work>
 void candidate(char const* row, char const* name, std::size_t count, Work work) {
-    benchmark::RegisterBenchmark((std::string(row) + '/' + name).c_str(), [=](auto& state) {
-        Media const media(count);
-        for (auto _ : state) {
-            media.prepare();
-            auto const begin = std::chrono::steady_clock::now();
-            work(media);
-            std::chrono::duration<double> const time = std::chrono::steady_clock::now() - begin;
-            state.SetIterationTime(time.count());
-        }
-        media.clear();
-    })->UseManualTime();
+    benchmark::RegisterBenchmark(
+        (std::string(row) + '/' + name).c_str(),
+        [=](benchmark::State& state) {
+            Media const media(count);
+            for (auto _ : state) {
+                media.prepare();
+                auto const begin = std::chrono::steady_clock::now();
+                work(media);
+                std::chrono::duration<double> const time = std::chrono::steady_clock::now() - begin;
+                state.SetIterationTime(time.count());
+            }
+            media.clear();
+        })
+        ->UseManualTime();
 }
 
 } // namespace
