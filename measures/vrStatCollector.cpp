@@ -7,7 +7,23 @@
 
 #include <map>
 #include <mutex>
+#include <new>
+#include <string_view>
 #include <utility>
+
+namespace {
+
+// JsonCpp writes into a stream, which does not tell of a failed allocation but cuts the text.
+std::string wholeText(Json::Value const& object) {
+    constexpr std::string_view end = "}\n";
+
+    auto text = object.toStyledString();
+    if (text.size() < end.size() || text.compare(text.size() - end.size(), end.size(), end) != 0)
+        throw std::bad_alloc();
+    return text;
+}
+
+} // namespace
 
 class vrStatCollector::Table {
   public:
@@ -37,7 +53,7 @@ class vrStatCollector::Table {
         Json::Value members(Json::objectValue);
         for (auto const& [id, stat] : m_stats)
             members[stat.key] = Json::Value::UInt64(stat.value);
-        return vrUtils::utf8ToWide(members.toStyledString());
+        return vrUtils::utf8ToWide(wholeText(members));
     }
 
   private:

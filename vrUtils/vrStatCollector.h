@@ -66,6 +66,7 @@ class VRUTILS_API vrStatCollector {
     /// All stats as an indented JSON object, in the order of their names. Stats of one name, and so
     /// all stats with none, are one member, with the value of the highest number. It is the state of
     /// one moment: who adds meanwhile, waits.
+    /// @throws std::bad_alloc, or JsonCpp's Json::RuntimeError, if there is no memory for it
     std::wstring asJson();
 
   private:

@@ -350,3 +350,25 @@ TEST(vrStatCollector, FailedJsonLeavesTheLockAndTheTable) {
     EXPECT_EQ(0, calls.depth());
     EXPECT_TRUE(asDocument().isMember("a name that needs the heap in bytes too"));
 }
+
+TEST(vrStatCollector, JsonIsWholeOrAFailure) {
+    auto const whole = stats().asJson();
+    test::AllocationCounter counter;
+    unsigned failures = 0;
+
+    for (unsigned number = 1, made = number; made >= number; ++number) {
+        counter.reset();
+        counter.failAt(number);
+        try {
+            EXPECT_EQ(whole, stats().asJson()) << "allocation " << number;
+        } catch (std::bad_alloc const&) {
+            ++failures;
+        } catch (Json::RuntimeError const&) {
+            ++failures;
+        }
+        made = counter.allocations();
+        counter.failNone();
+    }
+
+    EXPECT_LT(20u, failures);
+}
