@@ -251,6 +251,8 @@ TEST(vrStatCollector, AddingToAStatThatIsThereNeedsNoMemory) {
 }
 
 TEST(vrStatCollector, FailedAddOfANewStatComesOut) {
+    stats().AddStat(50, 1u);
+
     auto const failed = test::failEachAllocation([] { stats().AddStat(51, 5u); });
 
     EXPECT_EQ(1u, failed);
