@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <map>
 #include <mutex>
+#include <utility>
 
 namespace {
 
@@ -21,9 +22,9 @@ class AvidPathNumbers {
 
     // The text is made before the lock is released. A caller that was overtaken by another one does
     // not take the base back to its own number.
-    std::wstring give(std::wstring const& base, int number) {
+    std::wstring give(std::wstring base, int number) {
         std::lock_guard const guard(m_lock);
-        auto& last = m_numbers[base];
+        auto& last = m_numbers[std::move(base)];
         last = std::max(last, number);
         return std::to_wstring(number);
     }
@@ -59,5 +60,5 @@ std::wstring get_avid_path_number(std::wstring base, int limit) {
     }
     // One that is there already does no harm.
     CreateDirectoryW(folder.c_str(), nullptr);
-    return avidPathNumbers.give(base, number);
+    return avidPathNumbers.give(std::move(base), number);
 }

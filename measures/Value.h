@@ -12,12 +12,13 @@ namespace vrUtils::KeyValue {
 // remembers it.
 class Value {
   public:
+    Value(Value const&) = delete;
+    Value& operator=(Value const&) = delete;
+
     virtual std::wstring TypeName() const = 0;
 
   protected:
     Value() = default;
-    Value(Value const&) = delete;
-    Value& operator=(Value const&) = delete;
     ~Value() = default;
 };
 

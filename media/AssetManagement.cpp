@@ -34,7 +34,7 @@ vr::Path firstFile(TransferParams const& transfer) {
     auto const& files = transfer.files;
     if (files.empty() && transfer.fileName[0] == L'\0')
         return {};
-    auto const file = files.empty() ? vr::Path::file(transfer.fileName) : files.front().Name();
+    auto file = files.empty() ? vr::Path::file(transfer.fileName) : files.front().Name();
     if (!hasAbsoluteFile(transfer))
         return vr::Path::folder(transfer.relativeRoot) + file;
     if (!files.empty() || file.isAbsolute())

@@ -11,8 +11,6 @@
 #include <limits>
 #include <string>
 
-namespace AssetManagement = vrUtils::AssetManagement;
-
 namespace {
 
 constexpr char explanation[] =
