@@ -89,7 +89,7 @@ TransferParams NamesCommand::transfer() const {
 }
 
 int NamesCommand::run(Console& console) const {
-    using namespace AssetManagement;
+    using namespace vrUtils::AssetManagement;
     auto const target = transfer();
     auto const prefix = textOf(*m_prefix);
     auto const extension = textOf(*m_extension);

@@ -32,7 +32,7 @@ carryReports(vr::Path const& source, vr::Path const& target, std::wstring const&
     if (Files::FileExists(PFC::getGenealogyFileName(source)))
         copyWhole(PFC::getGenealogyFileName(source), PFC::getGenealogyFileName(target));
 
-    auto const html = madeReport(target);
+    auto html = madeReport(target);
     // The report of an earlier transfer would be taken for the new one if that cannot be made.
     Files::DeleteFileIfExists(html);
     PFC::createPFCHTMLReport(
