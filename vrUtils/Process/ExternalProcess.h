@@ -104,8 +104,9 @@ class VRUTILS_API ExternalProcess {
 
     ~ExternalProcess();
 
-    /// Adds an argument behind a blank: cut of blanks and tabs at both ends, then quoted by
-    /// `quoteArg`. An empty argument leaves the blank only. The first argument is the program.
+    /// Adds an argument, behind a blank unless the line is empty: cut of blanks and tabs at both ends,
+    /// then quoted by `quoteArg`. An empty argument leaves the blank only. The first argument is the
+    /// program.
     void addArg(std::wstring const& argument);
 
     /// Adds text exactly as it is, with no blank in front.
