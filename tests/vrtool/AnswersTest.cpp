@@ -75,10 +75,20 @@ TEST_F(VrtoolAnswers, NeedAnEvent) {
     EXPECT_THROW(nextAnswer(key), std::system_error);
 }
 
+// The runtime keeps the handles of a few threads that have ended for the next ones; how many depends
+// on how threads meet.
 TEST_F(VrtoolAnswers, LeaveNoHandleOpen) {
-    test::AnswersFile const input("yes\nno\n");
-    nextAnswer(key);
-    test::HandleLeakCheck const check;
+    constexpr std::size_t answers = 100;
+    std::string lines;
+    for (std::size_t line = 0; line < 2 * answers; ++line)
+        lines += "yes\n";
+    test::AnswersFile const input(lines);
+    for (std::size_t answer = 0; answer < answers; ++answer)
+        nextAnswer(key);
+    auto const before = test::handleCount();
 
-    nextAnswer(key);
+    for (std::size_t answer = 0; answer < answers; ++answer)
+        EXPECT_EQ(Answer("yes"), nextAnswer(key));
+
+    EXPECT_LT(test::handleCount(), before + answers / 4);
 }
