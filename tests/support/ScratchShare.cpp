@@ -23,9 +23,11 @@ std::filesystem::path folderOfHost(std::wstring const& host) {
     return std::filesystem::path(configuration + 4) / L"dosdevices" / L"unc" / host;
 }
 
+// No name service has a name that ends like this.
 std::wstring newHost() {
     static std::atomic<unsigned> number{0};
-    return L"vrtest-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++number);
+    return L"vrtest-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++number) +
+           L".invalid";
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 // `vrtool transfer` to a share.
 
 #include "tests/support/ScratchFolder.h"
+#include "tests/support/ScratchShare.h"
 #include "tests/support/WideText.h"
 #include "tests/vrtool/ToolRun.h"
 
@@ -8,52 +9,17 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <string>
 
 using testing::HasSubstr;
 
 namespace {
 
-// A share of a host of its own, served from the Wine prefix; it goes with the object.
-class ScratchShare {
-  public:
-    ScratchShare() {
-        if (isPossible())
-            std::filesystem::create_directories(m_folder / L"archive");
-    }
-
-    ScratchShare(ScratchShare const&) = delete;
-    ScratchShare& operator=(ScratchShare const&) = delete;
-
-    ~ScratchShare() {
-        if (isPossible())
-            std::filesystem::remove_all(m_folder);
-    }
-
-    static bool isPossible() { return prefix() != nullptr; }
-
-    std::wstring path() const { return L"\\\\" + m_host + L"\\archive"; }
-
-  private:
-    static wchar_t const* prefix() { return _wgetenv(L"WINEPREFIX"); }
-
-    std::wstring m_host = L"vrutils-" + std::to_wstring(GetCurrentProcessId()) + L".invalid";
-    std::filesystem::path m_folder =
-        std::wstring(L"Z:") + (isPossible() ? prefix() : L"") + L"/dosdevices/unc/" + m_host;
-};
-
 class VrtoolTransferShare : public testing::Test {
   protected:
-    void SetUp() override {
-        if (!ScratchShare::isPossible())
-            GTEST_SKIP() << "no Wine prefix to serve a share from";
-    }
-
     test::ScratchFolder const scratch;
     std::wstring const file = scratch.write(L"a.mxf", "media");
-    ScratchShare const share;
+    test::ScratchShare const share;
 };
 
 std::string contentOf(std::wstring const& file) {
