@@ -42,6 +42,8 @@ function(vrutils_subsystem name)
   target_link_libraries(${name} PUBLIC house VorraneLog)
   target_compile_definitions(${name} PUBLIC VRUTILS_BUILDING JSON_DLL_BUILD)
   vrutils_measure_coverage(${name})
+  # A second build of the library has no need to prove again that each source stands alone.
+  set_target_properties(${name} PROPERTIES UNITY_BUILD ${VRUTILS_TRAP_UNDEFINED} UNITY_BUILD_BATCH_SIZE 0)
 endfunction()
 
 # vrutils_version_resource(TARGET DESCRIPTION): what the file's properties show on Windows.

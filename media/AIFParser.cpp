@@ -10,8 +10,8 @@ namespace vrUtils::Parsing {
 namespace {
 
 // Where the fields lie in the value of the common chunk.
-constexpr std::size_t bitsPerSampleOffset = 6;
-constexpr std::size_t samplesPerSecondOffset = 8;
+constexpr std::size_t commonBitsPerSampleOffset = 6;
+constexpr std::size_t commonSamplesPerSecondOffset = 8;
 
 } // namespace
 
@@ -29,8 +29,8 @@ AIFParser::AIFParser(unsigned char const* buffer, std::uint32_t length)
 
 void AIFParser::Parse() {
     auto const common = FindTag(ChunkName::common);
-    m_bitsPerSample.set(bigEndian16(common.Value() + bitsPerSampleOffset));
-    m_samplesPerSecond.set(extendedRate(common.Value() + samplesPerSecondOffset));
+    m_bitsPerSample.set(bigEndian16(common.Value() + commonBitsPerSampleOffset));
+    m_samplesPerSecond.set(extendedRate(common.Value() + commonSamplesPerSecondOffset));
 }
 
 std::uint32_t AIFParser::ReadNextLength() { return reversedBytes(TagParser::ReadNextLength()); }

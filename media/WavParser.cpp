@@ -9,8 +9,8 @@ namespace vrUtils::Parsing {
 namespace {
 
 // Where the fields lie in the value of the format chunk.
-constexpr std::size_t samplesPerSecondOffset = 4;
-constexpr std::size_t bitsPerSampleOffset = 14;
+constexpr std::size_t formatSamplesPerSecondOffset = 4;
+constexpr std::size_t formatBitsPerSampleOffset = 14;
 
 } // namespace
 
@@ -27,8 +27,8 @@ WavParser::WavParser(unsigned char const* buffer, std::uint32_t length)
 
 void WavParser::Parse() {
     auto const format = FindTag(ChunkName::format);
-    m_samplesPerSecond.set(littleEndian32(format.Value() + samplesPerSecondOffset));
-    m_bitsPerSample.set(littleEndian16(format.Value() + bitsPerSampleOffset));
+    m_samplesPerSecond.set(littleEndian32(format.Value() + formatSamplesPerSecondOffset));
+    m_bitsPerSample.set(littleEndian16(format.Value() + formatBitsPerSampleOffset));
 }
 
 } // namespace vrUtils::Parsing

@@ -22,7 +22,7 @@ constexpr wchar_t referenceMoviesFolderName[] = L"ReferenceMovies\\";
 constexpr wchar_t commonDataFailure[] = L"Unable to find Common Application Data Folder";
 
 // The line that readers of this failure look for.
-constexpr std::uint32_t failureLine = 1102;
+constexpr std::uint32_t folderFailureLine = 1102;
 
 struct FreeTaskMemory {
     void operator()(void* memory) const noexcept { CoTaskMemFree(memory); }
@@ -82,7 +82,7 @@ vr::Path GetOstrelMediaPath() {
     auto units = static_cast<DWORD>(name.size());
     if (!GetComputerNameW(name.data(), &units))
         throw vrException(
-            "Storage", failureLine,
+            "Storage", folderFailureLine,
             L"Failed to determine computer name when getting OstrelMedia path", GeneralFailure);
     return vr::Path::folder(name.data(), mediaFolderName);
 }

@@ -14,7 +14,7 @@ namespace vrUtils::Storage {
 namespace {
 
 // The line that readers of this failure look for.
-constexpr std::uint32_t failureLine = 768;
+constexpr std::uint32_t connectFailureLine = 768;
 
 constexpr DWORD processLanguage = MAKELANGID(LANG_NEUTRAL, SUBLANG_DEFAULT);
 
@@ -78,7 +78,7 @@ NetworkShareConnection::NetworkShareConnection(
     m_connected = error == 0;
     if (!m_connected)
         throw vrException(
-            "Storage", failureLine, composeMessage(L"Failed to connect to share ", m_path),
+            "Storage", connectFailureLine, composeMessage(L"Failed to connect to share ", m_path),
             error == ERROR_SESSION_CREDENTIAL_CONFLICT ? ShareCredentialsConflict
                                                        : ShareConnectionFailed);
 }

@@ -229,8 +229,8 @@ TEST_F(ExternalProcessChild, ReceivesTheLineAsItStands) {
 
 // The most that the platform promises, which counts the zero at the end.
 TEST_F(ExternalProcessChild, ReceivesTheLongestLine) {
-    auto const start = test::quoted(test::besideTestProgram(L"child_program.exe")) + L" into " +
-                       m_folder.file(L"out.txt") + L" command ";
+    auto const start = test::quotedArgument(test::besideTestProgram(L"child_program.exe")) +
+                       L" into " + m_folder.file(L"out.txt") + L" command ";
     m_process.rawCommandLine() = start + std::wstring(32766 - start.size(), L'x');
 
     EXPECT_EQ(0, m_process.Execute());

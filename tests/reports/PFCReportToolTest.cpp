@@ -76,7 +76,7 @@ class PFCToolRuns : public PFCReportTool {
     test::ImportHook<decltype(CreateProcessW)> m_exchange{
         "CreateProcessW", [this](LPCWSTR application, LPWSTR line, auto... others) {
             std::wstring const given(line);
-            auto other = test::quoted(test::besideTestProgram(L"report_tool.exe")) +
+            auto other = test::quotedArgument(test::besideTestProgram(L"report_tool.exe")) +
                          given.substr(given.find(L' '));
             return m_exchange.original()(application, other.data(), others...);
         }};

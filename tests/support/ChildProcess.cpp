@@ -41,9 +41,9 @@ std::wstring environmentWith(std::map<std::wstring, std::wstring> const& additio
 
 std::wstring
 commandLineOf(std::wstring const& program, std::vector<std::wstring> const& arguments) {
-    auto line = quoted(program);
+    auto line = quotedArgument(program);
     for (auto const& argument : arguments)
-        line.append(1, L' ').append(quoted(argument));
+        line.append(1, L' ').append(quotedArgument(argument));
     return line;
 }
 
@@ -172,7 +172,7 @@ std::wstring besideTestProgram(std::wstring const& name) {
     return path.substr(0, path.rfind(L'\\') + 1) + name;
 }
 
-std::wstring quoted(std::wstring const& argument) {
+std::wstring quotedArgument(std::wstring const& argument) {
     if (!argument.empty() && argument.find_first_of(L" \t\n\v\"") == std::wstring::npos)
         return argument;
     std::wstring text = L"\"";

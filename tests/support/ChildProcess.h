@@ -97,7 +97,7 @@ std::wstring testProgram();
 std::wstring besideTestProgram(std::wstring const& name);
 
 // The argument as it stands in a command line: in quotes, if it would not arrive otherwise.
-std::wstring quoted(std::wstring const& argument);
+std::wstring quotedArgument(std::wstring const& argument);
 
 } // namespace test
 

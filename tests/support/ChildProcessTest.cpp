@@ -76,10 +76,10 @@ TEST(ChildProcess, ArgumentsArriveAsTheyAre) {
 }
 
 TEST(ChildProcess, QuotesOnlyWhatNeedsIt) {
-    EXPECT_EQ(L"C:\\plain\\", test::quoted(L"C:\\plain\\"));
-    EXPECT_EQ(L"\"\"", test::quoted(L""));
-    EXPECT_EQ(L"\"a b\\\\\"", test::quoted(L"a b\\"));
-    EXPECT_EQ(L"\"a\\\\\\\"b\"", test::quoted(L"a\\\"b"));
+    EXPECT_EQ(L"C:\\plain\\", test::quotedArgument(L"C:\\plain\\"));
+    EXPECT_EQ(L"\"\"", test::quotedArgument(L""));
+    EXPECT_EQ(L"\"a b\\\\\"", test::quotedArgument(L"a b\\"));
+    EXPECT_EQ(L"\"a\\\\\\\"b\"", test::quotedArgument(L"a\\\"b"));
 }
 
 TEST(ChildProcess, AddsToTheEnvironment) {

@@ -48,8 +48,8 @@ ScratchService::ScratchService(std::wstring name, ServiceStart const& start)
     if (m_service)
         remove();
 
-    auto const line = quoted(besideTestProgram(L"service_program.exe")) + L' ' + quoted(m_name) +
-                      (start.isSlow ? L" slow" : L"");
+    auto const line = quotedArgument(besideTestProgram(L"service_program.exe")) + L' ' +
+                      quotedArgument(m_name) + (start.isSlow ? L" slow" : L"");
     auto const manager = openManager();
     m_service.reset(CreateServiceW(
         manager.get(), m_name.c_str(), nullptr, SERVICE_ALL_ACCESS, SERVICE_WIN32_OWN_PROCESS,

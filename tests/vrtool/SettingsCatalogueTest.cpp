@@ -83,9 +83,9 @@ INSTANTIATE_TEST_SUITE_P(
     [](auto const& test) { return test.param.kind; });
 
 TEST(VrtoolSettings, ValuesAreShownAsTheyAreTyped) {
-    EXPECT_EQ(L"-1", textOf(std::int64_t{-1}));
-    EXPECT_EQ(L"4294967295", textOf(std::int64_t{4294967295}));
-    EXPECT_EQ(L"a b", textOf(std::wstring(L"a b")));
+    EXPECT_EQ(L"-1", settingText(std::int64_t{-1}));
+    EXPECT_EQ(L"4294967295", settingText(std::int64_t{4294967295}));
+    EXPECT_EQ(L"a b", settingText(std::wstring(L"a b")));
 }
 
 TEST_F(VrtoolSettingsCatalogue, WritesWhatTheLibrarysGettersRead) {

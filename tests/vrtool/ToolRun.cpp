@@ -25,9 +25,9 @@ test::OwnedHandle newFile(std::wstring const& path) {
 
 std::uint32_t
 runWithFlags(std::vector<std::wstring> const& arguments, void* out, void* error, DWORD flags) {
-    std::wstring line = test::quoted(test::besideTestProgram(L"vrtool.exe"));
+    std::wstring line = test::quotedArgument(test::besideTestProgram(L"vrtool.exe"));
     for (auto const& argument : arguments)
-        line += L' ' + test::quoted(argument);
+        line += L' ' + test::quotedArgument(argument);
     STARTUPINFOW start{};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESTDHANDLES;

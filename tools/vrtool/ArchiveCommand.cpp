@@ -12,7 +12,7 @@ namespace Files = vrUtils::Files;
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char archiveExplanation[] =
     R"(An index path begins with a host, has the extension ".mov" and a folder
 "PFR-INDEX", each written exactly so. No disk is touched.
 
@@ -24,7 +24,7 @@ Example:
 } // namespace
 
 ArchiveCommand::ArchiveCommand()
-    : Command("archive", "Convert an index path to its archive path", explanation) {}
+    : Command("archive", "Convert an index path to its archive path", archiveExplanation) {}
 
 void ArchiveCommand::declare(CLI::App& arguments) {
     m_path = arguments.add_option("PATH")->required();
@@ -35,8 +35,8 @@ void ArchiveCommand::declare(CLI::App& arguments) {
 }
 
 int ArchiveCommand::run(Console& console) const {
-    auto const path = vr::Path::file(CommandLine::valuesOf(*m_path).front());
-    auto const extension = CommandLine::valuesOf(*m_extension).front();
+    auto const path = vr::Path::file(CommandLine::textOf(*m_path));
+    auto const extension = CommandLine::textOf(*m_extension);
     try {
         auto const archive = Files::IndexToArchivePathConverter().GetArchivePath(path, extension);
         Facts const facts{

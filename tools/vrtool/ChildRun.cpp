@@ -12,7 +12,7 @@ namespace {
 
 // An argument as the platform's own splitter takes it: quotes have a backslash in front, and
 // backslashes count twice where they stand before a quote.
-std::wstring quoted(std::wstring const& argument) {
+std::wstring quotedArgument(std::wstring const& argument) {
     std::wstring text = L"\"";
     std::size_t backslashes = 0;
     for (auto const unit : argument) {
@@ -102,9 +102,9 @@ std::wstring thisProgram() {
 std::optional<std::uint32_t> runWithin(
     std::chrono::milliseconds limit, std::wstring const& program,
     std::vector<std::wstring> const& arguments) {
-    std::wstring line = quoted(program);
+    std::wstring line = quotedArgument(program);
     for (auto const& argument : arguments)
-        line += L' ' + quoted(argument);
+        line += L' ' + quotedArgument(argument);
     auto const job = endingJob();
     auto const process = start(program, line, job.get());
 

@@ -52,6 +52,11 @@ std::vector<std::wstring> CommandLine::valuesOf(CLI::Option const& option) {
     return values;
 }
 
+std::wstring CommandLine::textOf(CLI::Option const& option) {
+    auto const values = valuesOf(option);
+    return values.empty() ? std::wstring() : values.front();
+}
+
 std::string CommandLine::readable(std::string text) {
     text.erase(std::remove(text.begin(), text.end(), mark), text.end());
     return text;

@@ -18,6 +18,9 @@ std::vector<std::string> arguments();
 // What was given for an option, as it was typed.
 std::vector<std::wstring> valuesOf(CLI::Option const& option);
 
+// The first text that was given for an option; empty if none was.
+std::wstring textOf(CLI::Option const& option);
+
 // A text of the parser's, without the marks.
 std::string readable(std::string text);
 

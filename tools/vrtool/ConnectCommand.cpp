@@ -17,7 +17,7 @@ namespace TcpComms = vrUtils::TcpComms;
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char connectExplanation[] =
     R"(Connects over IPv4 as the server's programs do, says how long that and the
 look-up of the address before it took, and ends the connection. It waits as
 long as the transport takes to decide.
@@ -50,7 +50,7 @@ std::wstring serverName(std::wstring const& host, std::uint16_t port) {
 } // namespace
 
 ConnectCommand::ConnectCommand()
-    : Command("connect", "Connect to a server, and time it", explanation) {}
+    : Command("connect", "Connect to a server, and time it", connectExplanation) {}
 
 void ConnectCommand::declare(CLI::App& arguments) {
     m_host = arguments.add_option("HOST")->required()->description("A name or a dotted address");
@@ -62,7 +62,7 @@ void ConnectCommand::declare(CLI::App& arguments) {
 
 int ConnectCommand::run(Console& console) const {
     SocketLayer const sockets;
-    auto const host = CommandLine::valuesOf(*m_host).front();
+    auto const host = CommandLine::textOf(*m_host);
 
     auto const start = Clock::now();
     TcpComms::Socket server(host, m_port);

@@ -19,7 +19,7 @@ namespace Storage = vrUtils::Storage;
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char diskExplanation[] =
     R"(Asks as the server does before a transfer, as the user that vrtool runs as.
 Exactly enough is enough. The bytes that are free are the disk's, whatever a
 quota leaves to the user.
@@ -31,7 +31,7 @@ Example:
   vrtool disk \\media01\share\Day1 250000000000)";
 
 // The record of a server whose folder is the target; none if the target is too long for it.
-std::optional<SrvrParam> serverOf(vr::Path const& target) {
+std::optional<SrvrParam> diskServerOf(vr::Path const& target) {
     auto const& parts = target.components();
     SrvrParam server;
     server.host = parts.root();
@@ -71,7 +71,7 @@ std::string wrongByteCount(std::string const& text) {
 } // namespace
 
 DiskCommand::DiskCommand()
-    : Command("disk", "Tell whether a transfer has room at its destination", explanation) {}
+    : Command("disk", "Tell whether a transfer has room at its destination", diskExplanation) {}
 
 void DiskCommand::declare(CLI::App& arguments) {
     m_target = arguments.add_option("TARGET")->required();
@@ -84,9 +84,9 @@ void DiskCommand::declare(CLI::App& arguments) {
 }
 
 int DiskCommand::run(Console& console) const {
-    auto target = vr::Path::folder(CommandLine::valuesOf(*m_target).front());
+    auto target = vr::Path::folder(CommandLine::textOf(*m_target));
     target.modify(vr::Path::eFolder).append(L"\\");
-    auto const server = serverOf(target);
+    auto const server = diskServerOf(target);
     if (!server) {
         console.error("vrtool: TARGET: a folder has at most 259 characters\n");
         return ExitCode::wrongArguments;

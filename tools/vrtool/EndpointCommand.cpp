@@ -16,7 +16,7 @@ namespace TcpComms = vrUtils::TcpComms;
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char endpointExplanation[] =
     R"(Takes HOST or HOST:PORT apart as the server's programs do, and tells how their
 logs name a connection from there and to there. Port 0 stands for none. With
 --service also the endpoints of that service on the same host: the one in
@@ -58,7 +58,7 @@ void addService(
 } // namespace
 
 EndpointCommand::EndpointCommand()
-    : Command("endpoint", "Take an endpoint apart, lead to another service", explanation) {}
+    : Command("endpoint", "Take an endpoint apart, lead to another service", endpointExplanation) {}
 
 void EndpointCommand::declare(CLI::App& arguments) {
     auto const number = CLI::Range(0u, std::numeric_limits<std::uint32_t>::max()).description("");
@@ -74,7 +74,7 @@ void EndpointCommand::declare(CLI::App& arguments) {
 }
 
 int EndpointCommand::run(Console& console) const {
-    auto const text = CommandLine::valuesOf(*m_text).front();
+    auto const text = CommandLine::textOf(*m_text);
     auto facts = factsOf(text);
     addService(facts, text, *m_service ? std::optional(m_basePort) : std::nullopt, m_instance);
     console.out(m_json ? jsonOf(facts) : tableOf(facts, console.width()));

@@ -1,15 +1,13 @@
 #include "tools/vrtool/FileCopy.h"
 
 #include "tools/vrtool/FileAccess.h"
+#include "tools/vrtool/TransferStatistics.h"
 #include "vrUtils/vrException.h"
 #include "vrUtils/vrStatCollector.h"
 
 #include <algorithm>
 
 namespace {
-
-constexpr int bytesReadStat = 0x10000;
-constexpr int bytesWrittenStat = 0x10001;
 
 void learnFormat(
     CopiedFile& copied, vr::Path const& source, std::vector<unsigned char> const& buffer,

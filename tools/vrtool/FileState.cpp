@@ -11,7 +11,8 @@ namespace {
 std::uint64_t joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
 
 // How finely file systems keep times: to a microsecond, a millisecond, ten of them, one second, two.
-constexpr std::array<std::uint64_t, 5> steps = {10, 10'000, 100'000, 10'000'000, 20'000'000};
+constexpr std::array<std::uint64_t, 5> timestampSteps = {
+    10, 10'000, 100'000, 10'000'000, 20'000'000};
 
 } // namespace
 
@@ -38,7 +39,8 @@ bool isCopyOf(FileState const& source, FileState const& target) {
         return false;
     auto const [earlier, later] = std::minmax(source.lastWrite, target.lastWrite);
     auto const distance = later - earlier;
-    return distance == 0 || std::any_of(steps.begin(), steps.end(), [&](std::uint64_t step) {
+    return distance == 0 ||
+           std::any_of(timestampSteps.begin(), timestampSteps.end(), [&](std::uint64_t step) {
                return distance < step && target.lastWrite % step == 0;
            });
 }

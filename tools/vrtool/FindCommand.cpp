@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char findExplanation[] =
     R"(Where there is no such file, the host of the path is looked up as it stands,
 then without its last one, two and three characters, as the server does for
 machines with several names. The first that has an address takes its place,
@@ -24,7 +24,7 @@ Example:
 } // namespace
 
 FindCommand::FindCommand()
-    : Command("find", "Find a file, also under another name of its machine", explanation) {}
+    : Command("find", "Find a file, also under another name of its machine", findExplanation) {}
 
 void FindCommand::declare(CLI::App& arguments) {
     m_path = arguments.add_option("PATH")->required();
@@ -34,7 +34,7 @@ void FindCommand::declare(CLI::App& arguments) {
 
 int FindCommand::run(Console& console) const {
     SocketLayer const sockets;
-    vr::Path path(CommandLine::valuesOf(*m_path).front(), vr::Path::eDetect);
+    vr::Path path(CommandLine::textOf(*m_path), vr::Path::eDetect);
     auto const asked = path.components().wholePath();
     auto const exists = vrUtils::Files::FileExistsAllowingAliasSubstitution(&path);
 

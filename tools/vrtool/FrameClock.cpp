@@ -1,5 +1,7 @@
 #include "tools/vrtool/FrameClock.h"
 
+#include "tools/vrtool/TimeLimits.h"
+
 #include "vrUtils/OverMidnightInPointAdjuster.h"
 
 #include <iomanip>
@@ -10,7 +12,6 @@
 
 namespace {
 
-constexpr std::uint32_t secondsOfADay = 86400;
 constexpr std::uint32_t droppingMinutesOfADay = 24 * 54;
 
 } // namespace

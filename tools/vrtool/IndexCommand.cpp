@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char indexExplanation[] =
     R"(The last word of the path counts as a file's name. No disk is touched.
 
 Example:
@@ -18,7 +18,7 @@ Example:
 } // namespace
 
 IndexCommand::IndexCommand()
-    : Command("index", "Convert an archive path to its index path", explanation) {}
+    : Command("index", "Convert an archive path to its index path", indexExplanation) {}
 
 void IndexCommand::declare(CLI::App& arguments) {
     m_path = arguments.add_option("PATH")->required();
@@ -27,7 +27,7 @@ void IndexCommand::declare(CLI::App& arguments) {
 }
 
 int IndexCommand::run(Console& console) const {
-    auto const path = vr::Path::file(CommandLine::valuesOf(*m_path).front());
+    auto const path = vr::Path::file(CommandLine::textOf(*m_path));
     auto const index = vrUtils::Files::ArchiveToIndexPathConverter().GetIndexPath(path);
 
     Facts const facts{

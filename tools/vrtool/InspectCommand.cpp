@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char inspectExplanation[] =
     R"(Paths are shown in their normal form. DEPTH counts folders, HOURS those since
 the last write. For HZ and BITS the first 64 KiB of WAV and AIFF files
 (.wav, .aif, .aiff, .aifc) are read, unless the file is offline. What does
@@ -124,7 +124,8 @@ std::string jsonOf(std::vector<Inspection> const& inspections) {
 } // namespace
 
 InspectCommand::InspectCommand()
-    : Command("inspect", "Tell what files are: name, size, age, audio format", explanation) {}
+    : Command("inspect", "Tell what files are: name, size, age, audio format", inspectExplanation) {
+}
 
 void InspectCommand::declare(CLI::App& arguments) {
     m_paths = arguments.add_option("PATH")->required()->expected(1, -1)->take_all();

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char lockExplanation[] =
     R"(Takes the lock of the file as the server does, by a file beside it with ".lck"
 added to its name, and holds it while the program runs. FILE need not exist.
 Ctrl-C is for the program to heed: the lock is held until it has ended.
@@ -25,7 +25,7 @@ Example:
 } // namespace
 
 LockCommand::LockCommand()
-    : Command("lock", "Hold the lock of a file while a program runs", explanation) {}
+    : Command("lock", "Hold the lock of a file while a program runs", lockExplanation) {}
 
 void LockCommand::declare(CLI::App& arguments) {
     m_file = arguments.add_option("FILE")->required();
@@ -34,7 +34,7 @@ void LockCommand::declare(CLI::App& arguments) {
 }
 
 int LockCommand::run(Console& console) const {
-    auto const file = fullPath(CommandLine::valuesOf(*m_file).front());
+    auto const file = fullPath(CommandLine::textOf(*m_file));
     auto const program = m_program.program();
     CancelKey const key;
     try {

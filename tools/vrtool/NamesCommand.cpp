@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char namesExplanation[] =
     R"(Tells where the MAM message and the metadata message of a transfer go, and what
 they are called. Nothing is written, and what is not given is empty. One --file
 is a transfer of one; several, or any beside --file-name, are one of many. The
@@ -24,12 +24,6 @@ Ends with 0, with 1 if a message has no name, 2 if the arguments are wrong.
 
 Example:
   vrtool names --host media01 --folder share\Out --file clip.mxf --prefix done_)";
-
-// The text of an option that may be given once; empty if it is not.
-std::wstring textOf(CLI::Option const& option) {
-    auto const values = CommandLine::valuesOf(option);
-    return values.empty() ? std::wstring() : values.front();
-}
 
 // A transfer's texts have room for so many characters and a zero.
 template <std::size_t capacity>
@@ -43,7 +37,7 @@ void put(wchar_t (&field)[capacity], CLI::Option const& option, std::wstring con
 } // namespace
 
 NamesCommand::NamesCommand()
-    : Command("names", "Name the message files of a transfer", explanation) {}
+    : Command("names", "Name the message files of a transfer", namesExplanation) {}
 
 void NamesCommand::declare(CLI::App& arguments) {
     auto const text = [&](char const* name, char const* type, char const* description) {
@@ -70,19 +64,19 @@ void NamesCommand::declare(CLI::App& arguments) {
 
 TransferParams NamesCommand::transfer() const {
     TransferParams transfer;
-    transfer.host = textOf(*m_host);
+    transfer.host = CommandLine::textOf(*m_host);
     transfer.type = m_type;
-    put(transfer.folder, *m_folder, textOf(*m_folder));
-    put(transfer.relativeRoot, *m_root, textOf(*m_root));
-    put(transfer.metadataFolder, *m_metadataFolder, textOf(*m_metadataFolder));
-    put(transfer.sourceName, *m_sourceName, textOf(*m_sourceName));
+    put(transfer.folder, *m_folder, CommandLine::textOf(*m_folder));
+    put(transfer.relativeRoot, *m_root, CommandLine::textOf(*m_root));
+    put(transfer.metadataFolder, *m_metadataFolder, CommandLine::textOf(*m_metadataFolder));
+    put(transfer.sourceName, *m_sourceName, CommandLine::textOf(*m_sourceName));
 
     auto const files = CommandLine::valuesOf(*m_files);
     if (files.size() == 1 && m_fileName->empty()) {
         put(transfer.fileName, *m_files, files.front());
         return transfer;
     }
-    put(transfer.fileName, *m_fileName, textOf(*m_fileName));
+    put(transfer.fileName, *m_fileName, CommandLine::textOf(*m_fileName));
     for (std::uint32_t number = 0; number < files.size(); ++number)
         transfer.files.emplace_back(vr::Path::file(files[number]), number);
     return transfer;
@@ -91,8 +85,8 @@ TransferParams NamesCommand::transfer() const {
 int NamesCommand::run(Console& console) const {
     using namespace vrUtils::AssetManagement;
     auto const target = transfer();
-    auto const prefix = textOf(*m_prefix);
-    auto const extension = textOf(*m_extension);
+    auto const prefix = CommandLine::textOf(*m_prefix);
+    auto const extension = CommandLine::textOf(*m_extension);
     Facts const facts{
         findFact("mamMessage", [&] { return toUtf8(CreateMAMMsgFileName(&target, prefix)); }),
         findFact(

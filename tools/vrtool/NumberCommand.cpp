@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char numberExplanation[] =
     R"(Counts up from 1 to the first folder that has room, and makes it if it is
 missing, as the server does. "." and ".." count as entries: a folder is full
 at LIMIT - 1 entries of its own.
@@ -25,7 +25,7 @@ Example:
 } // namespace
 
 NumberCommand::NumberCommand()
-    : Command("number", "Pick the numbered folder for the next file", explanation) {}
+    : Command("number", "Pick the numbered folder for the next file", numberExplanation) {}
 
 void NumberCommand::declare(CLI::App& arguments) {
     m_base = arguments.add_option("BASE")->required();
@@ -38,7 +38,7 @@ void NumberCommand::declare(CLI::App& arguments) {
 }
 
 int NumberCommand::run(Console& console) const {
-    auto const base = CommandLine::valuesOf(*m_base).front();
+    auto const base = CommandLine::textOf(*m_base);
     auto const number = get_avid_path_number(base, m_limit);
 
     // Whether the folder could be made is not reported.

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char pathExplanation[] =
     R"(The text is read as a folder, as what it looks like (detect), and as a file;
 the row "type" tells what each reading ends as. No disk is touched.
 
@@ -62,12 +62,12 @@ Parts read(std::wstring const& text, vr::Path::eType reading) {
     };
 }
 
-struct Reading {
+struct PathReading {
     char const* name;
     Parts parts;
 };
 
-std::array<Reading, 3> readAll(std::wstring const& text) {
+std::array<PathReading, 3> readAll(std::wstring const& text) {
     return {
         {{"folder", read(text, vr::Path::eFolder)},
          {"detect", read(text, vr::Path::eDetect)},
@@ -75,7 +75,7 @@ std::array<Reading, 3> readAll(std::wstring const& text) {
 }
 
 // The bar that separates folders cannot be part of a name.
-std::wstring cell(Json::Value const& part) {
+std::wstring partCell(Json::Value const& part) {
     if (part.isBool())
         return part.asBool() ? L"yes" : L"no";
     if (!part.isArray())
@@ -86,7 +86,7 @@ std::wstring cell(Json::Value const& part) {
     return folders;
 }
 
-std::string tableOf(std::array<Reading, 3> const& readings, std::optional<std::size_t> width) {
+std::string tableOf(std::array<PathReading, 3> const& readings, std::optional<std::size_t> width) {
     using Align = TextTable::Align;
     using Narrow = TextTable::Narrow;
     TextTable table({
@@ -97,12 +97,12 @@ std::string tableOf(std::array<Reading, 3> const& readings, std::optional<std::s
     });
     for (std::size_t part = 0; part < readings[0].parts.size(); ++part)
         table.addRow(
-            {fromUtf8(readings[0].parts[part].first), cell(readings[0].parts[part].second),
-             cell(readings[1].parts[part].second), cell(readings[2].parts[part].second)});
+            {fromUtf8(readings[0].parts[part].first), partCell(readings[0].parts[part].second),
+             partCell(readings[1].parts[part].second), partCell(readings[2].parts[part].second)});
     return table.text(width);
 }
 
-std::string jsonOf(std::wstring const& text, std::array<Reading, 3> const& readings) {
+std::string jsonOf(std::wstring const& text, std::array<PathReading, 3> const& readings) {
     Json::Value document;
     document["text"] = toUtf8(text);
     for (auto const& reading : readings)
@@ -114,7 +114,7 @@ std::string jsonOf(std::wstring const& text, std::array<Reading, 3> const& readi
 } // namespace
 
 PathCommand::PathCommand()
-    : Command("path", "Take a path apart in the three ways to read it", explanation) {}
+    : Command("path", "Take a path apart in the three ways to read it", pathExplanation) {}
 
 void PathCommand::declare(CLI::App& arguments) {
     m_text = arguments.add_option("TEXT")->required();
@@ -123,7 +123,7 @@ void PathCommand::declare(CLI::App& arguments) {
 }
 
 int PathCommand::run(Console& console) const {
-    auto const text = CommandLine::valuesOf(*m_text).front();
+    auto const text = CommandLine::textOf(*m_text);
     auto const readings = readAll(text);
     console.out(m_json ? jsonOf(text, readings) : tableOf(readings, console.width()));
     return ExitCode::success;

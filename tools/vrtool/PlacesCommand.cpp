@@ -11,7 +11,7 @@ namespace Storage = vrUtils::Storage;
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char placesExplanation[] =
     R"(The places need not be there, except for vorraneData: like every program that
 asks for it, this makes it, with the chain of folders down to FOLDER. FOLDER
 ends in a backslash; without one its last word is a file's name, and not made.
@@ -43,7 +43,7 @@ Facts allPlaces(wchar_t const* subfolder) {
 } // namespace
 
 PlacesCommand::PlacesCommand()
-    : Command("places", "Show the places that follow from the machine", explanation) {}
+    : Command("places", "Show the places that follow from the machine", placesExplanation) {}
 
 void PlacesCommand::declare(CLI::App& arguments) {
     m_subfolder = arguments.add_option("--subfolder")->type_name("FOLDER");

@@ -13,7 +13,7 @@ namespace Instancing = vrUtils::Instancing;
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char portExplanation[] =
     R"(Tells what a port of the server is for. The ports 60772 to 60787 are those of
 instance 0, the base ports; each further instance has the next sixteen.
 
@@ -40,7 +40,7 @@ Facts factsOf(std::uint32_t port) {
 } // namespace
 
 PortCommand::PortCommand()
-    : Command("port", "Tell which service of which instance has a port", explanation) {}
+    : Command("port", "Tell which service of which instance has a port", portExplanation) {}
 
 void PortCommand::declare(CLI::App& arguments) {
     arguments.add_option("PORT", m_port, "A number from 60772 up")

@@ -17,7 +17,7 @@ namespace PFC = vrUtils::PFC;
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char preflightExplanation[] =
     R"(The movie itself need not be there. The HTML report is made anew of the XML
 report, by PFCreportGenerator.exe, which is looked for in the folder of vrtool
 first. If that fails or takes longer than 5 seconds, an earlier report stays.
@@ -64,7 +64,9 @@ Json::Value textOf(vr::Path const& path) { return toUtf8(path.components().whole
 } // namespace
 
 PreflightCommand::PreflightCommand()
-    : Command("preflight", "Find a movie's pre-flight reports, make the HTML one", explanation) {}
+    : Command(
+          "preflight", "Find a movie's pre-flight reports, make the HTML one",
+          preflightExplanation) {}
 
 void PreflightCommand::declare(CLI::App& arguments) {
     m_movie = arguments.add_option("MOVIE")->required()->description("The movie's file");
@@ -77,9 +79,9 @@ void PreflightCommand::declare(CLI::App& arguments) {
 
 PFC::PFCHTMLReportParameters PreflightCommand::parameters() const {
     auto const textOr = [](CLI::Option const& option, std::wstring const& standard) {
-        return option.count() ? CommandLine::valuesOf(option).front() : standard;
+        return option.count() ? CommandLine::textOf(option) : standard;
     };
-    auto const movie = vr::Path::file(fullPath(CommandLine::valuesOf(*m_movie).front()));
+    auto const movie = vr::Path::file(fullPath(CommandLine::textOf(*m_movie)));
     return {movie, textOr(*m_name, movie.components().fullName()), textOr(*m_signature, {})};
 }
 

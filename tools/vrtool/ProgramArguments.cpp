@@ -7,7 +7,7 @@ void ProgramArguments::declare(CLI::App& arguments) {
     m_words->description("The program and its arguments, behind --")->allow_extra_args();
 }
 
-std::wstring ProgramArguments::program() const { return CommandLine::valuesOf(*m_words).front(); }
+std::wstring ProgramArguments::program() const { return CommandLine::textOf(*m_words); }
 
 void ProgramArguments::handTo(vrUtils::Process::ExternalProcess& process) const {
     for (auto const& word : CommandLine::valuesOf(*m_words))

@@ -2,14 +2,16 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char registryExplanation[] =
     R"(`vrtool registry dump --help` and `vrtool registry restore --help` tell about
 each, with an example.)";
 
 } // namespace
 
 RegistryCommand::RegistryCommand()
-    : Command("registry", "Save a tree of the registry to a file, or restore it", explanation) {}
+    : Command(
+          "registry", "Save a tree of the registry to a file, or restore it", registryExplanation) {
+}
 
 void RegistryCommand::declare(CLI::App& arguments) {
     arguments.require_subcommand(1);

@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char registryDumpExplanation[] =
     R"(Writes the values of the key and of all keys below it to the file, in place of
 what was there. REG_SZ, REG_DWORD, REG_BINARY and REG_MULTI_SZ values are
 written, up to 1,024 bytes each; others leave their name alone. Says how much
@@ -56,7 +56,7 @@ std::string report(DumpSurvey const& survey, std::wstring const& file) {
 } // namespace
 
 RegistryDumpCommand::RegistryDumpCommand()
-    : Command("dump", "Save a key and all below it to a file", explanation) {}
+    : Command("dump", "Save a key and all below it to a file", registryDumpExplanation) {}
 
 void RegistryDumpCommand::declare(CLI::App& arguments) { m_arguments.declare(arguments); }
 

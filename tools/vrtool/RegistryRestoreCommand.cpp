@@ -19,7 +19,7 @@ namespace Registry = vrUtils::Registry;
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char registryRestoreExplanation[] =
     R"(Says line by line what in the file will not come back as it was, and restores
 the rest. The key is made if it is missing; values that are not in the file
 stay. A key in the file that the platform refuses is tried again without end:
@@ -72,7 +72,8 @@ bool makeKey(TreeName const& tree) {
 } // namespace
 
 RegistryRestoreCommand::RegistryRestoreCommand()
-    : Command("restore", "Write a dump file back, and say what it loses", explanation) {}
+    : Command(
+          "restore", "Write a dump file back, and say what it loses", registryRestoreExplanation) {}
 
 void RegistryRestoreCommand::declare(CLI::App& arguments) {
     m_arguments.declare(arguments);

@@ -6,6 +6,7 @@
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/ExitCodes.h"
 #include "tools/vrtool/Platform.h"
+#include "tools/vrtool/RecoveryCopy.h"
 #include "tools/vrtool/SystemText.h"
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/Files/FileQueries.h"
@@ -20,7 +21,7 @@ using vrUtils::Files::FileExists;
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char removeExplanation[] =
     R"(Asks first, and goes on at "yes" only. Then the file is copied into the folder
 "Recovery\" beside it and deleted, and vrtool waits: "done" makes that final,
 "undo" puts the file back. So do the end of the input and Ctrl-C: what nobody
@@ -38,19 +39,12 @@ Example:
 // In quotes, for messages.
 std::string quotedText(std::wstring const& path) { return '"' + toUtf8(path) + '"'; }
 
-// Where the library keeps a file that it may have to put back.
-vr::Path copyOf(vr::Path const& file) {
-    vr::Path copy(file.components().folderPath(), vr::Path::eFolder);
-    copy.modify(vr::Path::eFile).append(L"Recovery\\").append(file.components().fullName());
-    return copy;
-}
-
 class Removal {
   public:
     Removal(Console& console, std::wstring const& path)
         : m_console(console),
           m_path(path),
-          m_copy(copyOf(vr::Path::file(path))),
+          m_copy(recoveryCopyOf(vr::Path::file(path))),
           m_copyPath(m_copy.str()),
           m_deleter(
               std::make_unique<Storage::RecoverableFileDeleter>(vr::Path::file(path), L"vrtool")) {}
@@ -183,7 +177,7 @@ bool Removal::answerIs(char const* first, char const* second, std::string const&
 } // namespace
 
 RemoveCommand::RemoveCommand()
-    : Command("remove", "Remove a file so that it can be put back", explanation) {}
+    : Command("remove", "Remove a file so that it can be put back", removeExplanation) {}
 
 void RemoveCommand::declare(CLI::App& arguments) {
     m_path = arguments.add_option("PATH")->required();
@@ -193,5 +187,5 @@ void RemoveCommand::declare(CLI::App& arguments) {
 }
 
 int RemoveCommand::run(Console& console) const {
-    return Removal(console, fullPath(CommandLine::valuesOf(*m_path).front())).run();
+    return Removal(console, fullPath(CommandLine::textOf(*m_path))).run();
 }

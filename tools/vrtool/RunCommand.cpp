@@ -19,7 +19,7 @@ namespace Process = vrUtils::Process;
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char runExplanation[] =
     R"(Runs the program as the server runs its tools, and waits for it. On a terminal
 a line shows for how long. The time counts in whole polls, and is up when it
 exceeds the limit. A program that is late, or whose wait Ctrl-C has ended, is
@@ -80,7 +80,7 @@ std::string fateOf(std::set<std::uint32_t> const& childrenBefore) {
 } // namespace
 
 RunCommand::RunCommand()
-    : Command("run", "Run a program under a time limit and tell how it ended", explanation) {}
+    : Command("run", "Run a program under a time limit and tell how it ended", runExplanation) {}
 
 void RunCommand::declare(CLI::App& arguments) {
     arguments.add_option("--timeout", m_seconds, "Wait no longer than that")

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char sameExplanation[] =
     R"(Two paths are on one machine if their hosts have an address in common. A path
 without a host is on this machine here, and a host without an address is on
 none, not even on its own.
@@ -22,13 +22,13 @@ Example:
   vrtool same \\media01\share\clip.mxf \\192.0.2.7\other\clip.mxf)";
 
 vr::Path pathOf(CLI::Option const& option) {
-    return vr::Path(CommandLine::valuesOf(option).front(), vr::Path::eDetect);
+    return vr::Path(CommandLine::textOf(option), vr::Path::eDetect);
 }
 
 } // namespace
 
 SameCommand::SameCommand()
-    : Command("same", "Tell whether two paths are on one machine", explanation) {}
+    : Command("same", "Tell whether two paths are on one machine", sameExplanation) {}
 
 void SameCommand::declare(CLI::App& arguments) {
     m_first = arguments.add_option("FIRST")->required()->description("Any path");

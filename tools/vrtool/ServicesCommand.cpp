@@ -26,7 +26,7 @@ struct ServiceRequest {
 
 namespace {
 
-constexpr char listExplanation[] =
+constexpr char servicesExplanation[] =
     R"(Without a subcommand: one row for each service that the server can ask after,
 with its status (running, stopped, unknown) and its account. A service that is
 missing is unknown, and so are all without the rights of an administrator.
@@ -73,7 +73,7 @@ Example:
 constexpr wchar_t syncName[] = L"sync";
 constexpr wchar_t engineName[] = L"engine";
 
-struct Row {
+struct ServiceRow {
     wchar_t const* name;
     wchar_t const* service;
     Services::Status status;
@@ -88,7 +88,7 @@ Services::Status statusBy(Services::Status (*inquiry)()) {
     return inquiry();
 }
 
-std::array<Row, 2> readAll() {
+std::array<ServiceRow, 2> allServiceRows() {
     return {
         {{syncName, L"OstrelSync", statusBy(Services::TestSyncStatus),
           Services::GetSyncServiceUserName()},
@@ -107,7 +107,7 @@ wchar_t const* textOf(Services::Status status) {
     return L"unknown";
 }
 
-std::string tableOf(std::array<Row, 2> const& rows, std::optional<std::size_t> width) {
+std::string tableOf(std::array<ServiceRow, 2> const& rows, std::optional<std::size_t> width) {
     using Align = TextTable::Align;
     using Narrow = TextTable::Narrow;
     TextTable table({
@@ -122,7 +122,7 @@ std::string tableOf(std::array<Row, 2> const& rows, std::optional<std::size_t> w
     return table.text(width);
 }
 
-std::string jsonOf(std::array<Row, 2> const& rows) {
+std::string jsonOf(std::array<ServiceRow, 2> const& rows) {
     Json::Value array(Json::arrayValue);
     for (auto const& row : rows) {
         Json::Value object;
@@ -154,7 +154,7 @@ void ServiceRequestCommand::declare(CLI::App& arguments) {
 }
 
 int ServiceRequestCommand::run(Console& console) const {
-    auto const name = CommandLine::valuesOf(*m_name).front();
+    auto const name = CommandLine::textOf(*m_name);
     auto const service = "service " + toUtf8(name) + ' ';
     if (carryOut(m_request, name)) {
         console.out("The " + service + m_request.taken + ".\n");
@@ -165,7 +165,7 @@ int ServiceRequestCommand::run(Console& console) const {
 }
 
 ServicesCommand::ServicesCommand()
-    : Command("services", "Show the server's services, start one, stop one", listExplanation),
+    : Command("services", "Show the server's services, start one, stop one", servicesExplanation),
       m_start(startRequest),
       m_stop(stopRequest) {}
 
@@ -182,7 +182,7 @@ int ServicesCommand::run(Console& console) const {
     if (m_stop.chosen())
         return m_stop.run(console);
 
-    auto const rows = readAll();
+    auto const rows = allServiceRows();
     console.out(m_json ? jsonOf(rows) : tableOf(rows, console.width()));
     return ExitCode::success;
 }

@@ -1,21 +1,13 @@
 #include "tools/vrtool/SetAside.h"
 
 #include "tools/vrtool/FileAccess.h"
+#include "tools/vrtool/RecoveryCopy.h"
 #include "tools/vrtool/SystemText.h"
 #include "tools/vrtool/TransferFailure.h"
 
 namespace Storage = vrUtils::Storage;
 
 namespace {
-
-vr::Path recoveryFolderOf(vr::Path const& file) {
-    return vr::Path::folder(file.components().folderPath() + L"Recovery\\");
-}
-
-vr::Path copyOf(vr::Path const& file) {
-    return vr::Path::file(
-        recoveryFolderOf(file).components().folderPath() + file.components().fullName());
-}
 
 // A folder that is open without leave to delete it cannot be removed by others. Between its making
 // and its opening it can: somebody else may have had it, and be done.
@@ -47,7 +39,7 @@ RecoveryFolder::~RecoveryFolder() {
 
 SetAside::SetAside(vr::Path const& file)
     : m_file(file),
-      m_copy(copyOf(file)),
+      m_copy(recoveryCopyOf(file)),
       m_folder(recoveryFolderOf(file)),
       m_copyDeleter(m_copy),
       m_recovery(file, L"vrtool") {

@@ -13,9 +13,9 @@ namespace Registry = vrUtils::Registry;
 namespace {
 
 // The longest text that the library reads.
-constexpr std::size_t longestText = 2047;
+constexpr std::size_t longestSettingText = 2047;
 
-using Limits = std::numeric_limits<std::int32_t>;
+using SettingLimits = std::numeric_limits<std::int32_t>;
 
 std::optional<std::int64_t> wholeNumber(std::wstring const& text) {
     // What is no ASCII digit must not become one by narrowing.
@@ -92,18 +92,18 @@ Setting const* findSetting(std::wstring_view name) {
 
 std::optional<SettingValue> settingValueOf(Setting const& setting, std::wstring const& text) {
     if (setting.kind == Setting::Kind::text)
-        return text.size() <= longestText ? std::optional<SettingValue>(text) : std::nullopt;
+        return text.size() <= longestSettingText ? std::optional<SettingValue>(text) : std::nullopt;
 
     bool const isSigned = setting.kind == Setting::Kind::signedNumber;
     auto const number = wholeNumber(text);
-    if (!number || *number < (isSigned ? Limits::min() : 0) ||
+    if (!number || *number < (isSigned ? SettingLimits::min() : 0) ||
         *number > std::numeric_limits<std::uint32_t>::max())
         return std::nullopt;
     // The upper half of the numbers is what the library reads as those below zero.
-    return isSigned && *number > Limits::max() ? *number - (std::int64_t{1} << 32) : *number;
+    return isSigned && *number > SettingLimits::max() ? *number - (std::int64_t{1} << 32) : *number;
 }
 
-std::wstring textOf(SettingValue const& value) {
+std::wstring settingText(SettingValue const& value) {
     auto const* text = std::get_if<std::wstring>(&value);
     return text ? *text : std::to_wstring(std::get<std::int64_t>(value));
 }

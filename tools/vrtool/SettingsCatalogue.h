@@ -42,7 +42,7 @@ Setting const* findSetting(std::wstring_view name);
 std::optional<SettingValue> settingValueOf(Setting const& setting, std::wstring const& text);
 
 // The value as it is typed and shown.
-std::wstring textOf(SettingValue const& value);
+std::wstring settingText(SettingValue const& value);
 
 // The value that stands in the registry; none if there is none of the setting's type. The key is
 // made where it is missing, as by every program that asks for the setting.

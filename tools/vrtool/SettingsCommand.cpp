@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr char listExplanation[] =
+constexpr char settingsExplanation[] =
     R"(Without a subcommand: one row for each setting that the library knows by name,
 with its place in the registry and the function that reads it. What is not set
 is shown as "-"; FAILURE says why a key can be neither opened nor made. Like
@@ -25,14 +25,14 @@ Example:
   vrtool settings
   vrtool settings set MaximumTransfers 4)";
 
-constexpr char getExplanation[] =
+constexpr char getSettingExplanation[] =
     R"(Prints the value and nothing else. Ends with 0, 1 if the setting is not set, 2
 if the arguments are wrong.
 
 Example:
   vrtool settings get InterplayWSHost)";
 
-constexpr char setExplanation[] =
+constexpr char setSettingExplanation[] =
     R"(Numbers go from 0 to 4294967295, those of MaxNumTransferRetries from
 -2147483648; texts have at most 2047 characters. A text that begins with a dash
 is given behind "--".
@@ -43,16 +43,16 @@ are wrong; nothing is written then.
 Example:
   vrtool settings set MaximumTransfers 4)";
 
-struct Row {
+struct SettingRow {
     Setting const& setting;
     std::optional<SettingValue> value;
     std::wstring failure;
 };
 
-std::vector<Row> readAll() {
-    std::vector<Row> rows;
+std::vector<SettingRow> allSettingRows() {
+    std::vector<SettingRow> rows;
     for (auto const& setting : allSettings()) {
-        Row row{setting, {}, {}};
+        SettingRow row{setting, {}, {}};
         try {
             row.value = readSetting(setting);
         } catch (vrUtils::Registry::vrRegistryAccessException const& failure) {
@@ -63,7 +63,7 @@ std::vector<Row> readAll() {
     return rows;
 }
 
-std::string tableOf(std::vector<Row> const& rows, std::optional<std::size_t> width) {
+std::string tableOf(std::vector<SettingRow> const& rows, std::optional<std::size_t> width) {
     using Align = TextTable::Align;
     using Narrow = TextTable::Narrow;
     TextTable table({
@@ -77,7 +77,7 @@ std::string tableOf(std::vector<Row> const& rows, std::optional<std::size_t> wid
     });
     for (auto const& row : rows)
         table.addRow(
-            {row.setting.name, row.value ? textOf(*row.value) : L"-", row.setting.type(),
+            {row.setting.name, row.value ? settingText(*row.value) : L"-", row.setting.type(),
              row.setting.hive(), row.setting.key, row.setting.function, row.failure});
     return table.text(width);
 }
@@ -91,7 +91,7 @@ Json::Value jsonOf(std::optional<SettingValue> const& value) {
 }
 
 // Every object has every key; null is what is not set or not known.
-std::string jsonOf(std::vector<Row> const& rows) {
+std::string jsonOf(std::vector<SettingRow> const& rows) {
     Json::Value array(Json::arrayValue);
     for (auto const& row : rows) {
         Json::Value object;
@@ -117,7 +117,7 @@ CLI::Option* addName(CLI::App& arguments) {
 }
 
 Setting const& settingOf(CLI::Option const& name) {
-    auto const text = CommandLine::valuesOf(name).front();
+    auto const text = CommandLine::textOf(name);
     auto const* const setting = findSetting(text);
     if (!setting)
         throw CLI::ValidationError("NAME", "no setting has the name " + toUtf8(text));
@@ -128,7 +128,7 @@ SettingValue valueOf(Setting const& setting, CLI::Option const& option) {
     auto const name = toUtf8(setting.name);
     if (setting.isReadOnly())
         throw CLI::ValidationError("NAME", name + " is the platform's own and is not for setting");
-    auto const value = settingValueOf(setting, CommandLine::valuesOf(option).front());
+    auto const value = settingValueOf(setting, CommandLine::textOf(option));
     if (value)
         return *value;
     switch (setting.kind) {
@@ -146,7 +146,7 @@ SettingValue valueOf(Setting const& setting, CLI::Option const& option) {
 } // namespace
 
 SettingsGetCommand::SettingsGetCommand()
-    : Command("get", "Print the value of one setting", getExplanation) {}
+    : Command("get", "Print the value of one setting", getSettingExplanation) {}
 
 void SettingsGetCommand::declare(CLI::App& arguments) {
     auto* const name = addName(arguments);
@@ -162,12 +162,12 @@ int SettingsGetCommand::run(Console& console) const {
             '\n');
         return ExitCode::failure;
     }
-    console.out(toUtf8(textOf(*value)) + '\n');
+    console.out(toUtf8(settingText(*value)) + '\n');
     return ExitCode::success;
 }
 
 SettingsSetCommand::SettingsSetCommand()
-    : Command("set", "Give a setting another value", setExplanation) {}
+    : Command("set", "Give a setting another value", setSettingExplanation) {}
 
 void SettingsSetCommand::declare(CLI::App& arguments) {
     auto* const name = addName(arguments);
@@ -189,7 +189,8 @@ int SettingsSetCommand::run(Console& console) const {
 }
 
 SettingsCommand::SettingsCommand()
-    : Command("settings", "List the settings in the registry, get one, set one", listExplanation) {}
+    : Command(
+          "settings", "List the settings in the registry, get one, set one", settingsExplanation) {}
 
 void SettingsCommand::declare(CLI::App& arguments) {
     arguments.require_subcommand(0, 1);
@@ -204,9 +205,9 @@ int SettingsCommand::run(Console& console) const {
     if (m_set.chosen())
         return m_set.run(console);
 
-    auto const rows = readAll();
+    auto const rows = allSettingRows();
     console.out(m_json ? jsonOf(rows) : tableOf(rows, console.width()));
-    bool const allWell =
-        std::all_of(rows.begin(), rows.end(), [](Row const& row) { return row.failure.empty(); });
+    bool const allWell = std::all_of(
+        rows.begin(), rows.end(), [](SettingRow const& row) { return row.failure.empty(); });
     return allWell ? ExitCode::success : ExitCode::failure;
 }

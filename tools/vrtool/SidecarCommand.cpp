@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char sidecarExplanation[] =
     R"(The movie's name must match the expression as a whole; \0 to \9 in NAME then
 stand for the name and its captures. A file of exactly the name that comes of
 it is the sidecar, else the first entry of the folder that matches it as an
@@ -24,12 +24,10 @@ CLI::Option* addText(CLI::App& arguments, char const* name, char const* purpose)
     return arguments.add_option(name)->required()->description(purpose)->type_name("TEXT");
 }
 
-std::wstring textOf(CLI::Option const& option) { return CommandLine::valuesOf(option).front(); }
-
 } // namespace
 
 SidecarCommand::SidecarCommand()
-    : Command("sidecar", "Find a movie's companion file, and show how", explanation) {}
+    : Command("sidecar", "Find a movie's companion file, and show how", sidecarExplanation) {}
 
 void SidecarCommand::declare(CLI::App& arguments) {
     m_movie = arguments.add_option("MOVIE")->required();
@@ -43,8 +41,9 @@ void SidecarCommand::declare(CLI::App& arguments) {
 
 int SidecarCommand::run(Console& console) const {
     auto const facts = trialOf(
-        {textOf(*m_movie), textOf(*m_regex), textOf(*m_folder), textOf(*m_name),
-         textOf(*m_pattern)});
+        {CommandLine::textOf(*m_movie), CommandLine::textOf(*m_regex),
+         CommandLine::textOf(*m_folder), CommandLine::textOf(*m_name),
+         CommandLine::textOf(*m_pattern)});
     console.out(m_json ? jsonOf(facts) : tableOf(facts, console.width()));
     return objectOf(facts)["sidecar"].isNull() ? ExitCode::failure : ExitCode::success;
 }

@@ -2,6 +2,7 @@
 
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/ExitCodes.h"
+#include "tools/vrtool/TransferStatistics.h"
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/Performance.h"
 #include "vrUtils/counter.h"
@@ -12,7 +13,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char statsDemoExplanation[] =
     R"(Starts threads that count as transfers do: for each frame 65536 bytes read, as
 many written, and the frame itself. Whichever thread is the last to end counts
 under "LastOneOut". Then prints all statistics of the process as JSON, as any
@@ -27,10 +28,7 @@ Example:
 constexpr unsigned mostThreads = 64;
 constexpr unsigned mostFrames = 10000000;
 
-// Numbers of the statistics: the first three are the library's.
-constexpr int bytesRead = 0x10000;
-constexpr int bytesWritten = 0x10001;
-constexpr int framesTransferred = 0x10002;
+// A statistic of the command's own.
 constexpr int lastOneOut = 1;
 
 constexpr auto runningTransfers = static_cast<vrUtils::CounterIDs>(0);
@@ -40,9 +38,9 @@ void transfer(unsigned frames) {
 
     auto& stats = vrStatCollector::Singleton();
     for (unsigned frame = 0; frame < frames; ++frame) {
-        stats.AddStat(bytesRead, bytesOfAFrame);
-        stats.AddStat(bytesWritten, bytesOfAFrame);
-        stats.AddStat(framesTransferred, 1u);
+        stats.AddStat(bytesReadStat, bytesOfAFrame);
+        stats.AddStat(bytesWrittenStat, bytesOfAFrame);
+        stats.AddStat(framesTransferredStat, 1u);
     }
     if (vrUtils::counter().Decrement(runningTransfers))
         stats.AddStat(lastOneOut, 1u);
@@ -64,7 +62,9 @@ void transferInThreads(unsigned threads, unsigned frames) {
 } // namespace
 
 StatsDemoCommand::StatsDemoCommand()
-    : Command("stats-demo", "Let many threads count, print the statistics as JSON", explanation) {}
+    : Command(
+          "stats-demo", "Let many threads count, print the statistics as JSON",
+          statsDemoExplanation) {}
 
 void StatsDemoCommand::declare(CLI::App& arguments) {
     arguments.add_option("--threads", m_threads, "How many, 1 to 64; 8 if not given")

@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char terminateExplanation[] =
     R"(Signals the event "terminate_PID". Whoever watches over the process, such as
 `vrtool watch PID`, kills it then when its grace period is over. This program
 kills nothing itself, and does not wait for the end.
@@ -34,7 +34,7 @@ DWORD signal(std::wstring const& event) {
 } // namespace
 
 TerminateCommand::TerminateCommand()
-    : Command("terminate", "Ask for the end of a process that is watched", explanation) {}
+    : Command("terminate", "Ask for the end of a process that is watched", terminateExplanation) {}
 
 void TerminateCommand::declare(CLI::App& arguments) { declareProcessId(arguments, m_processId); }
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-// The most that users may ask for; far from where the library's milliseconds would wrap.
+// Also the most that users may ask for; far from where the library's milliseconds would wrap.
 inline constexpr std::uint32_t secondsOfADay = 24 * 60 * 60;
 
 #endif

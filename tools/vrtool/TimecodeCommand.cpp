@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char timecodeExplanation[] =
     R"(Timecode begins anew at midnight: what a recording holds behind it has smaller
 values than its start. Tells whether the in-point is moved up by a day, test by
 test; those behind the first "no" are not made.
@@ -81,7 +81,9 @@ Facts factsOf(Recording const& recording, EFrameRate rate) {
 } // namespace
 
 TimecodeCommand::TimecodeCommand()
-    : Command("timecode", "Find an in-point of a recording that runs past midnight", explanation) {}
+    : Command(
+          "timecode", "Find an in-point of a recording that runs past midnight",
+          timecodeExplanation) {}
 
 void TimecodeCommand::declare(CLI::App& arguments) {
     using Limits = std::numeric_limits<std::int32_t>;
@@ -107,7 +109,7 @@ void TimecodeCommand::declare(CLI::App& arguments) {
 std::uint32_t TimecodeCommand::framesOf(CLI::Option const& option) const {
     try {
         return FrameClock(static_cast<EFrameRate>(m_rate))
-            .framesOf(toUtf8(CommandLine::valuesOf(option).front()));
+            .framesOf(toUtf8(CommandLine::textOf(option)));
     } catch (std::invalid_argument const& wrong) {
         throw CLI::ValidationError(option.get_name(), wrong.what());
     }

@@ -19,7 +19,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char transferExplanation[] =
     R"(Copies files, and folders with all that is in them, into the folder DESTINATION.
 At every moment a target is the old file or the new one, whole: the new one is
 written under its name with ".part" added, and takes its place at the end. A
@@ -75,7 +75,9 @@ std::string leftOut(std::size_t count) {
 } // namespace
 
 TransferCommand::TransferCommand()
-    : Command("transfer", "Carry media to a folder, with all that belongs to it", explanation) {}
+    : Command(
+          "transfer", "Carry media to a folder, with all that belongs to it", transferExplanation) {
+}
 
 void TransferCommand::declare(CLI::App& arguments) {
     m_paths =

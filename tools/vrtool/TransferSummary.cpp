@@ -3,17 +3,13 @@
 #include "tools/vrtool/ElapsedLine.h"
 #include "tools/vrtool/TextTable.h"
 #include "tools/vrtool/TransferProgress.h"
+#include "tools/vrtool/TransferStatistics.h"
 #include "vrUtils/vrStatCollector.h"
 
 #include <algorithm>
 #include <array>
 
 namespace {
-
-constexpr int bytesWrittenStat = 0x10001;
-
-// The statistics of the outcomes are numbered behind the library's own.
-constexpr int firstOutcomeStat = 0x20000;
 
 struct Kind {
     wchar_t const* inRow;
@@ -30,11 +26,11 @@ constexpr std::array<Kind, 5> kinds = {{
     {L"cancelled", " cancelled", L"FilesCancelled"},
 }};
 
-std::wstring cell(std::optional<std::uint64_t> const& number) {
+std::wstring numberCell(std::optional<std::uint64_t> const& number) {
     return number ? std::to_wstring(*number) : L"-";
 }
 
-std::wstring textOf(vr::Path const& path) { return path.components().wholePath(); }
+std::wstring pathText(vr::Path const& path) { return path.components().wholePath(); }
 
 // A format that cannot be read is no failure of the transfer.
 std::wstring remark(TransferOutcome const& outcome) {
@@ -64,7 +60,7 @@ std::string TransferSummary::table(std::optional<std::size_t> width) const {
             return !textOfRow(row.outcome).empty();
         });
     };
-    auto const reportOf = [](TransferOutcome const& outcome) { return textOf(outcome.report); };
+    auto const reportOf = [](TransferOutcome const& outcome) { return pathText(outcome.report); };
     auto const hasReports = any(reportOf);
     auto const hasRemarks = any(remark);
 
@@ -86,11 +82,11 @@ std::string TransferSummary::table(std::optional<std::size_t> width) const {
         auto const& format = outcome.format;
         std::vector<std::wstring> cells = {
             place,
-            cell(outcome.size),
+            numberCell(outcome.size),
             format ? std::to_wstring(format->samplesPerSecond) : L"-",
             format ? std::to_wstring(format->bitsPerSample) : L"-",
             kinds[outcome.result].inRow,
-            textOf(outcome.index)};
+            pathText(outcome.index)};
         if (hasReports)
             cells.push_back(reportOf(outcome));
         if (hasRemarks)

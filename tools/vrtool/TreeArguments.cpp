@@ -18,8 +18,6 @@ void TreeArguments::declare(CLI::App& arguments) {
     });
 }
 
-TreeName TreeArguments::tree() const { return TreeName(CommandLine::valuesOf(*m_key).front()); }
+TreeName TreeArguments::tree() const { return TreeName(CommandLine::textOf(*m_key)); }
 
-std::wstring TreeArguments::file() const {
-    return fullPath(CommandLine::valuesOf(*m_file).front());
-}
+std::wstring TreeArguments::file() const { return fullPath(CommandLine::textOf(*m_file)); }

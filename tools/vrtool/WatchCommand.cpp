@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char watchExplanation[] =
     R"(Watches over a process until it has ended. Once `vrtool terminate PID`, or any
 program that signals the event "terminate_PID", asks for it, the process has
 the grace period to end, and is killed then. Ctrl-C calls the watch off, also
@@ -51,7 +51,8 @@ Event waitFor(
 } // namespace
 
 WatchCommand::WatchCommand()
-    : Command("watch", "Kill a process once it is asked for, after a grace period", explanation) {}
+    : Command(
+          "watch", "Kill a process once it is asked for, after a grace period", watchExplanation) {}
 
 void WatchCommand::declare(CLI::App& arguments) {
     declareProcessId(arguments, m_processId);

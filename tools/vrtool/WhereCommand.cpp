@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char whereExplanation[] =
     R"(Tells the host of a path and its addresses, whether that is this machine, the
 local path of what stands on a share of this machine or on a connected drive,
 and the share that a connection would go to. A share is known as one only with
@@ -26,7 +26,7 @@ Example:
 } // namespace
 
 WhereCommand::WhereCommand()
-    : Command("where", "Find the machine of a path, and its local path", explanation) {}
+    : Command("where", "Find the machine of a path, and its local path", whereExplanation) {}
 
 void WhereCommand::declare(CLI::App& arguments) {
     m_path = arguments.add_option("PATH")->required();
@@ -36,7 +36,7 @@ void WhereCommand::declare(CLI::App& arguments) {
 
 int WhereCommand::run(Console& console) const {
     SocketLayer const sockets;
-    auto const facts = whereaboutsOf(CommandLine::valuesOf(*m_path).front());
+    auto const facts = whereaboutsOf(CommandLine::textOf(*m_path));
     auto const document = objectOf(facts);
     console.out(m_json ? jsonText(document) : tableOf(facts, console.width()));
     if (!document["addresses"].empty())

@@ -15,7 +15,7 @@ namespace Process = vrUtils::Process;
 
 namespace {
 
-constexpr char explanation[] =
+constexpr char whoamiExplanation[] =
     R"(One row for each thing that a program of the server knows of itself: its
 computer and user, where it is installed, and its memory, in bytes but for the
 count of page faults. The figures of memory are those of this program. What
@@ -52,7 +52,8 @@ void addMemory(Facts& facts, Process::AboutProcessMem const* memory) {
 } // namespace
 
 WhoamiCommand::WhoamiCommand()
-    : Command("whoami", "Show the computer, the user, the folders, the memory", explanation) {}
+    : Command("whoami", "Show the computer, the user, the folders, the memory", whoamiExplanation) {
+}
 
 void WhoamiCommand::declare(CLI::App& arguments) {
     arguments.add_flag("--json", m_json, "Print an object instead of the table");
