@@ -1,6 +1,6 @@
 """Installs the library, and builds and runs a host that knows the installed package only.
 
-consumer.py BUILD-FOLDER CONSUMER-FOLDER WINE WORK-FOLDER
+consumer.py BUILD-FOLDER-OR-ZIP CONSUMER-FOLDER WINE WORK-FOLDER
 """
 
 import os
@@ -9,7 +9,7 @@ import shutil
 import subprocess
 import sys
 
-build, consumer, wine, work = map(pathlib.Path, sys.argv[1:])
+origin, consumer, wine, work = map(pathlib.Path, sys.argv[1:])
 package, host = work / "package", work / "host"
 COMPILER = "x86_64-w64-mingw32-g++-posix"
 EXPECTED = [
@@ -31,7 +31,11 @@ def lines(text):
 
 
 shutil.rmtree(work, ignore_errors=True)
-run("cmake", "--install", build, "--prefix", package)
+if origin.suffix == ".zip":
+    shutil.unpack_archive(origin, work)
+    next(work.iterdir()).rename(package)
+else:
+    run("cmake", "--install", origin, "--prefix", package)
 
 run("cmake", "-S", consumer, "-B", host, "-G", "Ninja", "-DCMAKE_SYSTEM_NAME=Windows",
     f"-DCMAKE_CXX_COMPILER={COMPILER}", f"-DCMAKE_PREFIX_PATH={package}",

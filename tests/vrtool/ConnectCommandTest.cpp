@@ -8,6 +8,7 @@
 #include <stdexcept>
 #include <string>
 
+using testing::ElementsAre;
 using testing::MatchesRegex;
 
 namespace {
@@ -82,6 +83,21 @@ TEST(VrtoolConnect, NamesHostAndPortWhereNoServiceIsKnown) {
         run.out,
         MatchesRegex("connected to 127\\.0\\.0\\.1:" + std::to_string(port.number()) + times));
     EXPECT_EQ(0u, run.exitCode);
+}
+
+TEST(VrtoolConnect, GivesTheTimesAsJson) {
+    test::LoopbackServer const server;
+
+    auto const run =
+        test::runTool({L"connect", L"127.0.0.1", std::to_wstring(server.port()), L"--json"});
+
+    auto const answer = run.json();
+    EXPECT_THAT(
+        answer.getMemberNames(),
+        ElementsAre("connectMicroseconds", "lookUpMicroseconds", "server"));
+    EXPECT_EQ("127.0.0.1:" + std::to_string(server.port()), answer["server"].asString());
+    EXPECT_LT(0, answer["connectMicroseconds"].asInt64());
+    EXPECT_LE(0, answer["lookUpMicroseconds"].asInt64());
 }
 
 TEST(VrtoolConnect, SaysThatItWasRefused) {

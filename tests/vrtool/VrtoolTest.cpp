@@ -10,6 +10,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 using testing::AllOf;
 using testing::Each;
 using testing::HasSubstr;
@@ -97,11 +99,21 @@ INSTANTIATE_TEST_SUITE_P(
         Arguments{L"terminate", L"--help"}, Arguments{L"lock", L"--help"},
         Arguments{L"services", L"--help"}, Arguments{L"services", L"start", L"--help"},
         Arguments{L"services", L"stop", L"--help"}, Arguments{L"whoami", L"--help"},
-        Arguments{L"timecode", L"--help"}, Arguments{L"names", L"--help"}),
+        Arguments{L"archive", L"--help"}, Arguments{L"connect", L"--help"},
+        Arguments{L"disk", L"--help"}, Arguments{L"endpoint", L"--help"},
+        Arguments{L"find", L"--help"}, Arguments{L"index", L"--help"},
+        Arguments{L"names", L"--help"}, Arguments{L"number", L"--help"},
+        Arguments{L"places", L"--help"}, Arguments{L"port", L"--help"},
+        Arguments{L"preflight", L"--help"}, Arguments{L"remove", L"--help"},
+        Arguments{L"same", L"--help"}, Arguments{L"sidecar", L"--help"},
+        Arguments{L"stats-demo", L"--help"}, Arguments{L"timecode", L"--help"},
+        Arguments{L"transfer", L"--help"}, Arguments{L"where", L"--help"},
+        Arguments{L"xslt", L"--help"}),
     [](auto const& test) {
         std::string name = "program";
         for (std::size_t word = 0; word + 1 < test.param.size(); ++word)
             name += '_' + toUtf8(test.param[word]);
+        std::replace(name.begin(), name.end(), '-', '_');
         return name;
     });
 

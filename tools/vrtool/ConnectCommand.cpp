@@ -3,6 +3,8 @@
 #include "tools/vrtool/CommandLine.h"
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/ExitCodes.h"
+#include "tools/vrtool/Facts.h"
+#include "tools/vrtool/JsonText.h"
 #include "tools/vrtool/SocketLayer.h"
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/TcpComms.h"
@@ -30,11 +32,14 @@ Example:
 
 using Clock = std::chrono::steady_clock;
 
-std::string millisecondsOf(Clock::duration time) {
+std::int64_t microsecondsOf(Clock::duration time) {
+    return std::chrono::duration_cast<std::chrono::microseconds>(time).count();
+}
+
+std::string millisecondsOf(std::int64_t microseconds) {
     std::ostringstream text;
     text.imbue(std::locale::classic());
-    text << std::fixed << std::setprecision(3)
-         << std::chrono::duration<double, std::milli>(time).count() << " ms";
+    text << std::fixed << std::setprecision(3) << static_cast<double>(microseconds) / 1000 << " ms";
     return text.str();
 }
 
@@ -58,6 +63,7 @@ void ConnectCommand::declare(CLI::App& arguments) {
         ->check(CLI::Range(1u, unsigned{std::numeric_limits<std::uint16_t>::max()}).description(""))
         ->type_name("")
         ->required();
+    arguments.add_flag("--json", m_json, "Print an object instead of the line");
 }
 
 int ConnectCommand::run(Console& console) const {
@@ -70,8 +76,17 @@ int ConnectCommand::run(Console& console) const {
     server.Connect();
     auto const connected = Clock::now();
 
+    auto const name = toUtf8(serverName(host, m_port));
+    auto const connect = microsecondsOf(connected - found);
+    auto const lookUp = microsecondsOf(found - start);
+    Facts const facts{
+        {"server", name},
+        {"connectMicroseconds", Json::Int64{connect}},
+        {"lookUpMicroseconds", Json::Int64{lookUp}},
+    };
     console.out(
-        "connected to " + toUtf8(serverName(host, m_port)) + " in " +
-        millisecondsOf(connected - found) + ", look-up " + millisecondsOf(found - start) + '\n');
+        m_json ? jsonText(objectOf(facts))
+               : "connected to " + name + " in " + millisecondsOf(connect) + ", look-up " +
+                     millisecondsOf(lookUp) + '\n');
     return ExitCode::success;
 }

@@ -17,6 +17,7 @@ class ConnectCommand : public Command {
 
     CLI::Option* m_host = nullptr;
     std::uint16_t m_port = 0;
+    bool m_json = false;
 };
 
 #endif

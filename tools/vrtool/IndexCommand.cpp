@@ -12,6 +12,8 @@ namespace {
 constexpr char indexExplanation[] =
     R"(The last word of the path counts as a file's name. No disk is touched.
 
+Ends with 0, or with 2 if the arguments are wrong.
+
 Example:
   vrtool index \\arc\vault\2011\clip.mxf)";
 

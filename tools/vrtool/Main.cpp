@@ -91,7 +91,10 @@ void declare(CLI::App& program, Commands const& commands, std::size_t& width) {
     program.add_option("--width", width, "Lay tables out for this many columns; 0 for no limit")
         ->check(CLI::Range(0, 32767).description(""))
         ->type_name("COLUMNS");
-    program.footer("`vrtool SUBCOMMAND --help` tells about each, with an example.");
+    program.footer(
+        "`vrtool SUBCOMMAND --help` tells about each, with an example.\n\n"
+        "Ends with 0 if all went well, 1 if something failed, 2 if the arguments are\n"
+        "wrong, 3 if a program was late, 4 after Ctrl-C, 5 if a lock was not to be had.");
     for (auto const& command : commands)
         command->join(program);
 }

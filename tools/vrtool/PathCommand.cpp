@@ -18,6 +18,8 @@ constexpr char pathExplanation[] =
     R"(The text is read as a folder, as what it looks like (detect), and as a file;
 the row "type" tells what each reading ends as. No disk is touched.
 
+Ends with 0, or with 2 if the arguments are wrong.
+
 Example:
   vrtool path \\server\share\Media\clip.mxf
   vrtool path --json "C:\Media\Day 1")";

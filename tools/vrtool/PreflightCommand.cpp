@@ -71,7 +71,7 @@ PreflightCommand::PreflightCommand()
 void PreflightCommand::declare(CLI::App& arguments) {
     m_movie = arguments.add_option("MOVIE")->required()->description("The movie's file");
     m_name = arguments.add_option("--name")->type_name("TEXT");
-    m_name->description("The movie's name in the report; its file's name if not given");
+    m_name->description("The movie's name in the report; else its file's name");
     m_signature = arguments.add_option("--signature")->type_name("TEXT");
     m_signature->description("Who signs the report; nobody if not given");
     arguments.add_flag("--json", m_json, "Print an object instead of the table");
