@@ -33,10 +33,13 @@ class ExternalProcessImplementation;
 class VRUTILS_API ExternalProcessCallback {
   public:
     ExternalProcessCallback() = default;
+    /// There is nothing to copy.
     ExternalProcessCallback(ExternalProcessCallback const&) = default;
+    /// There is nothing to copy.
     ExternalProcessCallback& operator=(ExternalProcessCallback const&) = default;
     virtual ~ExternalProcessCallback() = default;
 
+    /// Called after each interval unless the wait was cancelled.
     virtual void OnPoll() = 0;
 
     /// True ends the wait at once, without `OnPoll`.
@@ -120,6 +123,7 @@ class VRUTILS_API ExternalProcess {
     /// The command line, to be written by hand.
     std::wstring& rawCommandLine();
 
+    /// The command line as it stands.
     std::wstring const& commandLine() const;
 
     /// For `process.args() << L"first" << L"second"`.

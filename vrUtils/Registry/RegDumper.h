@@ -12,6 +12,7 @@
 
 /// A key handle, as the platform's headers declare it.
 struct HKEY__;
+/// The handle itself.
 using HKEY = HKEY__*;
 
 namespace vrUtils::Registry {

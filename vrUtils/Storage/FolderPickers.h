@@ -11,7 +11,9 @@
 
 #include <string>
 
+/// A window handle, as the platform's headers declare it.
 struct HWND__;
+/// The handle itself.
 using HWND = HWND__*;
 
 namespace vrUtils::Storage {
