@@ -115,9 +115,10 @@ class VRUTILS_API ExternalProcess {
     /// Adds text exactly as it is, with no blank in front.
     void addRawArg(std::wstring const& text);
 
-    /// The argument in double quotes, each one inside it doubled, if it holds one of
-    /// `"&|'<>`, a blank or a tab; otherwise as it is, an empty one too. Backslashes are left alone,
-    /// also in front of the closing quote, so this is not what the usual argument parser undoes.
+    /// The argument in double quotes, each one inside it doubled, if it holds one, an apostrophe, a
+    /// blank, a tab or one of `& | < >`; otherwise as it is, an empty one too. Backslashes are left
+    /// alone, also in front of the closing quote, so this is not what the usual argument parser
+    /// undoes.
     static std::wstring quoteArg(std::wstring const& argument);
 
     /// The command line, to be written by hand.

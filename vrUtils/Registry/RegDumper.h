@@ -10,9 +10,9 @@
 #include <cstdint>
 #include <string>
 
-/// A key handle, as the platform's headers declare it.
 struct HKEY__;
-/// The handle itself.
+
+/// A key handle, as the platform's headers declare it.
 using HKEY = HKEY__*;
 
 namespace vrUtils::Registry {

@@ -11,9 +11,9 @@
 
 #include <string>
 
-/// A window handle, as the platform's headers declare it.
 struct HWND__;
-/// The handle itself.
+
+/// A window handle, as the platform's headers declare it.
 using HWND = HWND__*;
 
 namespace vrUtils::Storage {
