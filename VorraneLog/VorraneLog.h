@@ -43,10 +43,10 @@
 /// the system before the call returns, so a killed process loses none. A thread that is killed
 /// while it writes does not block the others. `GetLastError` and `errno` stay as they were.
 
-/// Stands in front of the functions that leave the log library.
 #if defined(VORRANELOG_BUILDING)
 #define VORRANELOG_API __declspec(dllexport)
 #else
+/// Stands in front of the functions that leave the log library.
 #define VORRANELOG_API __declspec(dllimport)
 #endif
 

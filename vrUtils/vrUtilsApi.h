@@ -5,10 +5,10 @@
 /// The mark of everything that `vrUtils.dll` exports. `VRUTILS_BUILDING` is defined while the
 /// library itself is compiled, and by nobody else.
 
-/// Stands in front of every class and function that leaves the library.
 #if defined(VRUTILS_BUILDING)
 #define VRUTILS_API __declspec(dllexport)
 #else
+/// Stands in front of every class and function that leaves the library.
 #define VRUTILS_API __declspec(dllimport)
 #endif
 
