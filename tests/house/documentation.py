@@ -79,7 +79,7 @@ def comment_lines(header):
     for comment in re.findall(r"///<? ?(.*)", header):
         if comment in ("@code", "@endcode"):
             is_code = comment == "@code"
-        elif not is_code and comment != "@file" and not set(comment) <= set("|-"):
+        elif not is_code and comment not in ("@file", "@mainpage") and not set(comment) <= set("|-"):
             words = re.sub(r"^(?:- |@(?:param|throws) \S+|@(?:return|see)\b)", "", comment)
             yield from words.split("|") if words.startswith("|") else [words]
 
