@@ -46,6 +46,7 @@
 #if defined(VORRANELOG_BUILDING)
 #define VORRANELOG_API __declspec(dllexport)
 #else
+/// Stands in front of the functions that leave the log library.
 #define VORRANELOG_API __declspec(dllimport)
 #endif
 

@@ -34,6 +34,7 @@ class VRUTILS_API Processor {
     ///         of the quote have been added then
     void Process(std::wstring const& commandLine);
 
+    /// How many parameters there are.
     std::uint64_t GetNumParameters() const;
 
     /// A parameter; the empty text at and past the end.

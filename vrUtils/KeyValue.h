@@ -14,14 +14,18 @@ namespace vrUtils::KeyValue {
 /// There is no value of this name: code 0 and no message, the class tells all.
 class VRUTILS_API KeyValueNotPresentException : public vrException {
   public:
+    /// The constructors of `vrException`.
     using vrException::vrException;
+    /// All fields of another failure, under this class.
     explicit KeyValueNotPresentException(vrException const& failure) : vrException(failure) {}
 };
 
 /// The value has another type: code 0 and no message, the class tells all.
 class VRUTILS_API KeyValueWrongTypeException : public vrException {
   public:
+    /// The constructors of `vrException`.
     using vrException::vrException;
+    /// All fields of another failure, under this class.
     explicit KeyValueWrongTypeException(vrException const& failure) : vrException(failure) {}
 };
 

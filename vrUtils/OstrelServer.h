@@ -15,6 +15,7 @@
 
 namespace vrUtils::OstrelServer {
 
+/// What a service is doing, as far as this process may ask.
 enum Status : std::int32_t {
     Unknown = 0, ///< the service cannot be opened, or is in a state that says neither
     Stopped = 1, ///< the service is there and does not answer as one that runs

@@ -28,8 +28,10 @@ namespace vrUtils::PFC {
 /// Which movie.
 class VRUTILS_API PFCReportParameters {
   public:
+    /// Keeps the path of the movie.
     explicit PFCReportParameters(vr::Path const& moviePath) : m_moviePath(moviePath) {}
 
+    /// The path of the movie.
     vr::Path MoviePath() const { return m_moviePath; }
 
   private:
@@ -39,14 +41,17 @@ class VRUTILS_API PFCReportParameters {
 /// Which movie, and what its HTML report is to say.
 class VRUTILS_API PFCHTMLReportParameters : public PFCReportParameters {
   public:
+    /// Keeps all three.
     PFCHTMLReportParameters(
         vr::Path const& moviePath, std::wstring movieName, std::wstring reportSignature)
         : PFCReportParameters(moviePath),
           m_movieName(std::move(movieName)),
           m_reportSignature(std::move(reportSignature)) {}
 
+    /// What the report is to call the movie.
     std::wstring MovieName() const { return m_movieName; }
 
+    /// The signature for the report to bear.
     std::wstring ReportSignature() const { return m_reportSignature; }
 
   private:

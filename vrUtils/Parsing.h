@@ -31,9 +31,13 @@ class VRUTILS_API Tag {
     /// @param value `length` bytes
     Tag(std::uint32_t name, std::uint32_t length, unsigned char const* value);
 
+    /// Takes the bytes away from the source.
     Tag(Tag& source);
+    /// As above.
     Tag(Tag&& source) noexcept;
+    /// Drops the bytes of this object and takes those of the source away.
     Tag& operator=(Tag& source); // NOLINT(misc-unconventional-assign-operator)
+    /// As above.
     Tag& operator=(Tag&& source) noexcept;
     ~Tag();
 
@@ -126,7 +130,9 @@ class VRUTILS_API AudioFormatParser : public TagParser {
   protected:
     ~AudioFormatParser() = default;
 
+    /// Set by `Parse`.
     UtilValue<std::uint32_t> m_samplesPerSecond;
+    /// Set by `Parse`.
     UtilValue<std::uint32_t> m_bitsPerSample;
 };
 

@@ -54,6 +54,7 @@ class VRUTILS_API PathCreator {
 
     /// `append` of the text to an empty builder.
     PathCreator(std::wstring const& text);
+    /// As above.
     PathCreator(wchar_t const* text);
 
     /// Two backslashes and the host, then `append` of folder and name, then `appendRaw` of the
@@ -69,12 +70,16 @@ class VRUTILS_API PathCreator {
 
     /// Copies take the text as it stands, without normalising it.
     PathCreator(PathCreator const&);
+    /// As above, taking the source's text away.
     PathCreator(PathCreator&&) noexcept;
+    /// Takes the other text as it stands, like a copy.
     PathCreator& operator=(PathCreator const&);
+    /// As above, taking the source's text away.
     PathCreator& operator=(PathCreator&&) noexcept;
 
     /// Empties the builder, then `append` of the text.
     PathCreator& operator=(std::wstring const& text);
+    /// As above.
     PathCreator& operator=(wchar_t const* text);
 
     virtual ~PathCreator();
@@ -85,11 +90,13 @@ class VRUTILS_API PathCreator {
     /// the end of the piece stay. A forward slash that is in the text already is no separator.
     /// @return this builder
     PathCreator& append(std::wstring const& piece);
+    /// As above.
     PathCreator& append(wchar_t const* piece);
 
     /// Adds text to the end as it is: no separator, no conversion.
     /// @return this builder
     PathCreator& appendRaw(std::wstring const& text);
+    /// As above.
     PathCreator& appendRaw(wchar_t const* text);
 
     /// Empties the text.
@@ -109,6 +116,7 @@ class VRUTILS_API PathCreator {
     void convertToForwardSlash();
 
   protected:
+    /// The text.
     std::wstring m_path;
 };
 
@@ -132,6 +140,7 @@ class VRUTILS_API PathSplitter {
 
     /// A parse never gives its parts away: moving copies.
     PathSplitter(PathSplitter const&);
+    /// Takes over all parts.
     PathSplitter& operator=(PathSplitter const&);
     ~PathSplitter();
 
@@ -233,11 +242,13 @@ class VRUTILS_API Path : private PathCreator {
 
     /// The text and type of the source, without its parse. A path that was moved from is empty.
     Path(Path const&);
+    /// As above, taking the source's text away.
     Path(Path&&) noexcept;
 
     /// `PathCreator::append` of the text to an empty path. With `eDetect` the path is parsed at
     /// once and becomes `eFolder` or `eFile`.
     Path(std::wstring const& text, eType type);
+    /// As above; not null.
     Path(wchar_t const* text, eType type);
 
     ~Path() override;

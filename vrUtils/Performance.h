@@ -29,7 +29,9 @@ class VRUTILS_API ElapsedTimeLogger {
     /// @param module the module name of the log line
     explicit ElapsedTimeLogger(std::wstring const& module);
 
+    /// Counts from the original's beginning, and reports too.
     ElapsedTimeLogger(ElapsedTimeLogger const&);
+    /// Takes over the other's beginning and module name.
     ElapsedTimeLogger& operator=(ElapsedTimeLogger const&);
 
     /// Logs. Never throws.

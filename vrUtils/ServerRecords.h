@@ -34,40 +34,40 @@
 /// The rate that timecode counts at. Four digits in a name are hundredths: 2398 is 23.98 frames per
 /// second.
 enum EFrameRate : std::int32_t {
-    eFrameRateUnknown = 0,
-    eFrameRate25 = 1,
-    eFrameRate30 = 2,
+    eFrameRateUnknown = 0,  ///< none
+    eFrameRate25 = 1,       ///< counts to 25
+    eFrameRate30 = 2,       ///< counts to 30
     eFrameRate2997Drop = 3, ///< counts to 30, drops two numbers a minute
-    eFrameRate24 = 4,
-    eFrameRate2398 = 5, ///< counts to 24
-    eFrameRate50 = 6,
-    eFrameRate60 = 7,
+    eFrameRate24 = 4,       ///< counts to 24
+    eFrameRate2398 = 5,     ///< counts to 24
+    eFrameRate50 = 6,       ///< counts to 50
+    eFrameRate60 = 7,       ///< counts to 60
     eFrameRate5994Drop = 8, ///< counts to 60, drops four numbers a minute
 };
 
 /// The kind of a server. Most kinds mean nothing to the library by themselves and have no name.
 enum EServerType : std::int32_t {
-    eServerUnknown = 0,
+    eServerUnknown = 0,           ///< of no known kind
     eServerCombiningArchive = 22, ///< one that combines with its archive
 };
 
 /// What a kind of server has for an archive.
 enum EArchiveSource : std::int32_t {
-    eArchiveNone = 0,
-    eArchiveFirst = 1,
-    eArchiveSecond = 2,
+    eArchiveNone = 0,   ///< no archive
+    eArchiveFirst = 1,  ///< an archive of the first kind
+    eArchiveSecond = 2, ///< an archive of the second kind
 };
 
-/// What a track holds.
+/// What a track holds; `vrUtils::Tracks::typeName` gives the names.
 enum vrTrackType : std::int32_t {
-    eTrackUndefined = 0,
-    eTrackMaster = 1,
-    eTrackTimecode = 2,
-    eTrackVideo = 3,
-    eTrackAudio = 4,
-    eTrackData = 5,
-    eTrackSegment = 6,
-    eTrackComment = 7,
+    eTrackUndefined = 0, ///< "Undefined"
+    eTrackMaster = 1,    ///< "Master"
+    eTrackTimecode = 2,  ///< "Timecode"
+    eTrackVideo = 3,     ///< "Video"
+    eTrackAudio = 4,     ///< "Audio"
+    eTrackData = 5,      ///< "Data"
+    eTrackSegment = 6,   ///< "Segment"
+    eTrackComment = 7,   ///< "Comment"
 };
 
 /// The record of a media object (mob): six words.
@@ -75,42 +75,43 @@ struct MyMobID {
     /// The tag of a valid record: the letters "mobb", the first in the most significant place.
     static constexpr std::uint32_t validTag = 0x6D6F6262;
 
-    std::uint32_t tag = 0;
-    std::uint32_t unread[3] = {};
+    std::uint32_t tag = 0;          ///< `validTag` in a valid record
+    std::uint32_t unread[3] = {};   ///< not looked at here
     std::uint32_t duration = 0;     ///< in frames
     std::uint32_t baseTimecode = 0; ///< in frames from midnight
 };
 
 /// A node of a list of media objects; owns neither its object nor its follower.
 struct MobListNode {
-    MyMobID* mob = nullptr;
+    MyMobID* mob = nullptr;      ///< may be null
     MobListNode* next = nullptr; ///< null at the end
 };
 
 /// A list of media objects together with the place where a walk over it stands.
 struct MobList {
-    MobListNode* first = nullptr; ///< null if the list is empty
-    void* unread = nullptr;
+    MobListNode* first = nullptr;   ///< null if the list is empty
+    void* unread = nullptr;         ///< not looked at here
     MobListNode* current = nullptr; ///< null until a walk has begun
 };
 
 /// An item of an asset. Copies share the list, and so the place of a walk over it.
 struct vrAssetItem {
-    boost::shared_ptr<MobList> mobs;
+    boost::shared_ptr<MobList> mobs; ///< null if the item has no list
 };
 
 /// How a server is reached.
 struct SrvrParam {
-    std::wstring host;
-    std::uint32_t type = 0;
-    std::wstring userName; ///< for the share; empty if none is configured
-    std::wstring password;
+    std::wstring host;        ///< name or address
+    std::uint32_t type = 0;   ///< the kind, as in `EServerType`
+    std::wstring userName;    ///< for the share; empty if none is configured
+    std::wstring password;    ///< for the share
     wchar_t folder[260] = {}; ///< zero-terminated; its first folder is the share
 };
 
 /// One file of a transfer, and a number that goes with it.
 class TransferFile {
   public:
+    /// Keeps both.
     TransferFile(vr::Path name, std::uint32_t number) : m_name(std::move(name)), m_number(number) {}
 
     /// The file; belongs to this object.

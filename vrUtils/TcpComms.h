@@ -24,7 +24,9 @@ namespace vrUtils::TcpComms {
 /// waiting.
 class VRUTILS_API vrSocketException : public vrException {
   public:
+    /// The constructors of `vrException`.
     using vrException::vrException;
+    /// All fields of another failure, under this class.
     explicit vrSocketException(vrException const& failure) : vrException(failure) {}
 };
 

@@ -43,7 +43,9 @@ class VRUTILS_API vrException {
     /// For the file layer only: source name "Files", code 0x80004005.
     vrException(std::uint32_t line, std::wstring const& message);
 
+    /// Copies are independent.
     vrException(vrException const&);
+    /// Takes over all fields.
     vrException& operator=(vrException const&);
     virtual ~vrException();
 
@@ -74,7 +76,9 @@ class VRUTILS_API vrException {
 /// message "Value not set".
 class VRUTILS_API vrUnsetValueException : public vrException {
   public:
+    /// The constructors of `vrException`.
     using vrException::vrException;
+    /// All fields of another failure, under this class.
     explicit vrUnsetValueException(vrException const& failure) : vrException(failure) {}
 };
 

@@ -53,8 +53,10 @@ class VRUTILS_API vrStatCollector {
 
     /// Adds to a stat. The sum wraps at 64 bits.
     void AddStat(int id, unsigned long amount);
+    /// As above.
     void AddStat(int id, std::uint64_t amount);
 
+    /// As above, so that plain numbers may be given.
     void AddStat(int id, unsigned int amount) { AddStat(id, static_cast<unsigned long>(amount)); }
 
     /// Replaces a stat's value.

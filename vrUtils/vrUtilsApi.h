@@ -15,6 +15,7 @@
 #if defined(VRUTILS_BUILDING)
 #define VRUTILS_API __declspec(dllexport)
 #else
+/// Stands in front of every class and function that leaves the library.
 #define VRUTILS_API __declspec(dllimport)
 #endif
 

@@ -13,6 +13,7 @@ namespace vrUtils::Files {
 /// name and line 0.
 class VRUTILS_API LockFileException : public vrException {
   public:
+    /// The failure to lock this file.
     explicit LockFileException(vr::Path const& path);
 };
 
@@ -20,6 +21,7 @@ class VRUTILS_API LockFileException : public vrException {
 /// message, and not a `vrException`.
 class VRUTILS_API vrInvalidIndexPathException {
   public:
+    /// Keeps a copy of the path.
     explicit vrInvalidIndexPathException(vr::Path const& path);
 
     /// The path that was refused.

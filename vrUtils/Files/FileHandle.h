@@ -40,7 +40,9 @@ class VRUTILS_API FileHandle {
   public:
     /// Nothing is open.
     FileHandle();
+    /// Shares the handle's value; see above.
     FileHandle(FileHandle const&);
+    /// Takes the handle's value; what this object held stays open.
     FileHandle& operator=(FileHandle const&);
 
     /// Closes.
@@ -59,8 +61,11 @@ class VRUTILS_API FileHandle {
     void* Handle() const { return m_handle; }
 
   protected:
+    /// The rights that the platform is asked for.
     virtual std::uint32_t Access() const = 0;
+    /// What others may do with the file meanwhile, in the platform's numbers.
     virtual std::uint32_t ShareMode() const = 0;
+    /// What to make of a file that is there and of one that is missing, in the platform's numbers.
     virtual std::uint32_t CreationDisposition() const = 0;
 
   private:

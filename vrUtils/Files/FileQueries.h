@@ -58,8 +58,8 @@ VRUTILS_API void SaveSmallFile(std::vector<char> const& bytes, vr::Path const& p
 VRUTILS_API void
 LoadSmallFile(vr::Path const& path, std::uint32_t maximum, std::vector<char>* bytes);
 
-/// Makes a name that the file system takes: each of `\ / : * ? < > | "`, each character below 32
-/// and a tilde in front turns into "-".
+/// Makes a name that the file system takes: each of `\ / : * ? < > |`, each double quote, each
+/// character below 32 and a tilde in front turns into "-".
 /// @param result receives the name; may be the source itself; untouched on failure
 /// @param asciiOnly whether each character of 127 and above turns into "~" as well, a character
 ///        outside the basic plane into two

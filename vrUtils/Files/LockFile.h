@@ -42,7 +42,9 @@ class VRUTILS_API LockFile {
     ///         file cannot be made, written or locked. It then stays where it is, to be replaced
     explicit LockFile(vr::Path const& path);
 
+    /// Shares the handle; see above.
     LockFile(LockFile const&);
+    /// As a copy; the lock that this object held is not given back.
     LockFile& operator=(LockFile const&);
 
     /// Gives the lock back and removes the lock file, whatever fails on the way. If another holder

@@ -23,9 +23,9 @@ namespace vrUtils::Files {
 /// the platform's answer comes back as `eFile`, by the table as `eFolder`.
 ///
 /// Each resolution is logged once: at level 6 through the table, at level 5 by the platform's
-/// answer. A share that the platform does not know is asked for at each call, with a line at level
-/// 7. The first call blocks for the connections, and calls for other machines for the look-ups of
-/// `isPathToThisMachine`. From any thread.
+/// answer. A share that the platform does not know is asked for at each call, and logged each time
+/// at level 7. The first call blocks for the connections, and calls for other machines for the
+/// look-ups of `isPathToThisMachine`. From any thread.
 VRUTILS_API vr::Path uncToLocalPath(vr::Path const& path);
 
 } // namespace vrUtils::Files

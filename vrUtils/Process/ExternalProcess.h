@@ -33,10 +33,13 @@ class ExternalProcessImplementation;
 class VRUTILS_API ExternalProcessCallback {
   public:
     ExternalProcessCallback() = default;
+    /// There is nothing to copy.
     ExternalProcessCallback(ExternalProcessCallback const&) = default;
+    /// There is nothing to copy.
     ExternalProcessCallback& operator=(ExternalProcessCallback const&) = default;
     virtual ~ExternalProcessCallback() = default;
 
+    /// Called after each interval unless the wait was cancelled.
     virtual void OnPoll() = 0;
 
     /// True ends the wait at once, without `OnPoll`.
@@ -112,14 +115,16 @@ class VRUTILS_API ExternalProcess {
     /// Adds text exactly as it is, with no blank in front.
     void addRawArg(std::wstring const& text);
 
-    /// The argument in double quotes, each one inside it doubled, if it holds one of
-    /// `"&|'<>`, a blank or a tab; otherwise as it is, an empty one too. Backslashes are left alone,
-    /// also in front of the closing quote, so this is not what the usual argument parser undoes.
+    /// The argument in double quotes, each one inside it doubled, if it holds one, an apostrophe, a
+    /// blank, a tab or one of `& | < >`; otherwise as it is, an empty one too. Backslashes are left
+    /// alone, also in front of the closing quote, so this is not what the usual argument parser
+    /// undoes.
     static std::wstring quoteArg(std::wstring const& argument);
 
     /// The command line, to be written by hand.
     std::wstring& rawCommandLine();
 
+    /// The command line as it stands.
     std::wstring const& commandLine() const;
 
     /// For `process.args() << L"first" << L"second"`.

@@ -17,15 +17,15 @@ namespace vrUtils::Process {
 /// Memory use, with the names of the platform's `PROCESS_MEMORY_COUNTERS`: sizes in bytes, and the
 /// count of page faults.
 struct AboutProcessMem {
-    std::uint64_t PageFaultCount;
-    std::uint64_t PeakWorkingSetSize;
-    std::uint64_t WorkingSetSize;
-    std::uint64_t QuotaPeakPagedPoolUsage;
-    std::uint64_t QuotaPagedPoolUsage;
-    std::uint64_t QuotaPeakNonPagedPoolUsage;
-    std::uint64_t QuotaNonPagedPoolUsage;
-    std::uint64_t PagefileUsage;
-    std::uint64_t PeakPagefileUsage;
+    std::uint64_t PageFaultCount;             ///< page faults so far
+    std::uint64_t PeakWorkingSetSize;         ///< the largest so far
+    std::uint64_t WorkingSetSize;             ///< in physical memory
+    std::uint64_t QuotaPeakPagedPoolUsage;    ///< the largest so far
+    std::uint64_t QuotaPagedPoolUsage;        ///< in the paged pool
+    std::uint64_t QuotaPeakNonPagedPoolUsage; ///< the largest so far
+    std::uint64_t QuotaNonPagedPoolUsage;     ///< in the nonpaged pool
+    std::uint64_t PagefileUsage;              ///< committed
+    std::uint64_t PeakPagefileUsage;          ///< the largest so far
 };
 
 /// The computer's name; empty on failure, and if it has more than 15 characters.

@@ -12,7 +12,9 @@ namespace vrUtils::Registry {
 /// to access registry".
 class VRUTILS_API vrRegistryAccessException : public vrException {
   public:
+    /// The constructors of `vrException`.
     using vrException::vrException;
+    /// All fields of another failure, under this class.
     explicit vrRegistryAccessException(vrException const& failure) : vrException(failure) {}
 };
 
@@ -20,7 +22,9 @@ class VRUTILS_API vrRegistryAccessException : public vrException {
 /// message "Registry value missing".
 class VRUTILS_API vrRegistryValueMissingException : public vrException {
   public:
+    /// The constructors of `vrException`.
     using vrException::vrException;
+    /// All fields of another failure, under this class.
     explicit vrRegistryValueMissingException(vrException const& failure) : vrException(failure) {}
 };
 

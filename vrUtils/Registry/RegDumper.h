@@ -10,8 +10,9 @@
 #include <cstdint>
 #include <string>
 
-/// A key handle, as the platform's headers declare it.
 struct HKEY__;
+
+/// A key handle, as the platform's headers declare it.
 using HKEY = HKEY__*;
 
 namespace vrUtils::Registry {

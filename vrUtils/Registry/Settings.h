@@ -18,14 +18,23 @@ namespace vrUtils::Registry {
 
 /// Where the settings stand, for tools that list and write them.
 inline constexpr wchar_t ServerKey[] = L"Software\\Vorrane\\Ostrel\\Server";
+/// The engine's key.
 inline constexpr wchar_t EngineKey[] = L"Software\\Vorrane\\Ostrel\\Server\\OstrelEngine";
+/// The platform's own key of its .NET framework 3.5.
 inline constexpr wchar_t DotNet35Key[] = L"SOFTWARE\\Microsoft\\NET Framework Setup\\NDP\\v3.5";
+/// Of the server's key, the user's own: see `GetMaximumConcurrentTransfers`.
 inline constexpr wchar_t MaximumTransfersValue[] = L"MaximumTransfers";
+/// Of the server's key: see `GetInterplayWSAddress`.
 inline constexpr wchar_t InterplayWSHostValue[] = L"InterplayWSHost";
+/// Of the server's key: see `GetInterplayAssetFilter`.
 inline constexpr wchar_t InterplayAssetFilterValue[] = L"InterplayAssetFilter";
+/// Of the server's key: see `GetInterplayIDNameFilter`.
 inline constexpr wchar_t InterplayIDFilterValue[] = L"InterplayIDFilter";
+/// Of the server's key: see `GetNumJobRebmits`.
 inline constexpr wchar_t MaxNumTransferRetriesValue[] = L"MaxNumTransferRetries";
+/// Of the engine's key: see `GetEngineCacheDepth`.
 inline constexpr wchar_t EngineCacheDepthValue[] = L"EngineCacheDepth";
+/// Of the framework's key: see `IsDotNet35Installed`.
 inline constexpr wchar_t DotNet35InstallValue[] = L"Install";
 
 /// How many transfers may run at once. This one setting is the user's own: it is "MaximumTransfers"

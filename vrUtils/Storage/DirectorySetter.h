@@ -21,7 +21,9 @@ class VRUTILS_API DirectorySetter {
     /// @param logModule the module name of the log line
     DirectorySetter(std::wstring const& directory, std::wstring const& logModule);
 
+    /// Changes the directory back too; see above.
     DirectorySetter(DirectorySetter const&);
+    /// Takes over what the other is to change back to, and forgets its own.
     DirectorySetter& operator=(DirectorySetter const&);
 
     /// Sets the directory that was there at construction.

@@ -16,6 +16,7 @@ namespace vrUtils::Storage {
 /// for the well-known places a message instead. A plain value, no `vrException`.
 class VRUTILS_API vrStorageException {
   public:
+    /// Keeps both.
     vrStorageException(std::uint32_t error, std::wstring text)
         : m_error(error), m_text(std::move(text)) {}
 
@@ -33,24 +34,28 @@ class VRUTILS_API vrStorageException {
 /// A folder picker was given a host that there is not.
 class VRUTILS_API vrBadHostException : public vrStorageException {
   public:
+    /// The constructor of `vrStorageException`.
     using vrStorageException::vrStorageException;
 };
 
 /// A folder could not be made.
 class VRUTILS_API vrCreateFolderException : public vrStorageException {
   public:
+    /// The constructor of `vrStorageException`.
     using vrStorageException::vrStorageException;
 };
 
 /// A file could not be copied on the way to a deletion that can be undone.
 class VRUTILS_API vrCopyFileException : public vrStorageException {
   public:
+    /// The constructor of `vrStorageException`.
     using vrStorageException::vrStorageException;
 };
 
 /// A file could not be removed on the way to a deletion that can be undone.
 class VRUTILS_API vrDeleteFileException : public vrStorageException {
   public:
+    /// The constructor of `vrStorageException`.
     using vrStorageException::vrStorageException;
 };
 

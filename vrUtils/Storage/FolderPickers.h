@@ -12,6 +12,8 @@
 #include <string>
 
 struct HWND__;
+
+/// A window handle, as the platform's headers declare it.
 using HWND = HWND__*;
 
 namespace vrUtils::Storage {

@@ -12,9 +12,9 @@
 namespace vrUtils::Storage {
 
 /// Takes a file out of the way so that an operation that fails can put it back. The file is copied
-/// into the folder "Recovery\" beside it, then deleted; the copy goes for good when the object goes.
+/// into the folder `Recovery\` beside it, then deleted; the copy goes for good when the object goes.
 /// Until then the file or its copy is there, whole, at every moment; a process that dies in between
-/// leaves the copy in "Recovery\". `docs/deletion.md` tells the rest.
+/// leaves the copy in `Recovery\`. `docs/deletion.md` tells the rest.
 ///
 /// The folder goes, with all that is in it, with the object that made it: **the first object among
 /// the files of one folder removes the copies of the others.** If the folder was there before, it

@@ -50,7 +50,9 @@ class VRUTILS_API NetworkShareConnection {
     NetworkShareConnection(
         vr::PathCreator const& path, std::wstring const& user, std::wstring const& password);
 
+    /// Ends the connection too; see above.
     NetworkShareConnection(NetworkShareConnection const&);
+    /// Takes over the other's connection; the one that this object held stays.
     NetworkShareConnection& operator=(NetworkShareConnection const&);
 
     /// Ends the connection; failures are not reported.

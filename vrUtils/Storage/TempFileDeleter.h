@@ -22,9 +22,12 @@ class VRUTILS_API TempFileDeleter {
     /// Nothing to delete yet.
     TempFileDeleter();
 
+    /// Deletes this file.
     explicit TempFileDeleter(vr::Path const& file);
 
+    /// Deletes the file too; see above.
     TempFileDeleter(TempFileDeleter const&);
+    /// Takes over the other's file; the one that this object had stays.
     TempFileDeleter& operator=(TempFileDeleter const&);
 
     ~TempFileDeleter();
