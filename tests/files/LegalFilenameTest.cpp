@@ -42,6 +42,7 @@ TEST(LegalFilename, DeviceNamesAndClosingDotsStay) {
     EXPECT_EQ(L"CON", legal(L"CON"));
     EXPECT_EQ(L"nul.mxf", legalAscii(L"nul.mxf"));
     EXPECT_EQ(L"clip. ", legal(L"clip. "));
+    EXPECT_EQ(L"..", legal(L".."));
 }
 
 TEST(LegalFilename, EachReservedCharacterBecomesADash) {
