@@ -16,6 +16,7 @@ import tempfile
 SERVER = "/usr/share/win64/gdbserver.exe"
 DEBUGGER = "x86_64-w64-mingw32-gdb"
 SECONDS = 60
+ATTEMPTS = 3
 
 LONG_FOLDER = "x" * 300
 EXPECTED = {
@@ -89,16 +90,25 @@ kill
 """
 
 
-def debug(root, subject):
-    port = free_port()
-    server = subprocess.Popen(
-        [root / "scripts/wine", SERVER, f"localhost:{port}", str(subject)],
-        stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
-    try:
+def start_server(root, subject):
+    """A server that listens, and its port. Rarely a program ends under Wine before it has said a word,
+    and the port may be somebody else's by the time it is asked for: then another one is started."""
+    for _ in range(ATTEMPTS):
+        port = free_port()
+        server = subprocess.Popen(
+            [root / "scripts/wine", SERVER, f"localhost:{port}", str(subject)],
+            stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, text=True)
         for line in server.stdout:
             print("server:", line.rstrip())
             if "Listening on port" in line:
-                break
+                return server, port
+        server.wait()
+    sys.exit("the server of the debugger does not start")
+
+
+def debug(root, subject):
+    server, port = start_server(root, subject)
+    try:
         with tempfile.NamedTemporaryFile("w", suffix=".gdb") as script:
             script.write(commands(root, subject, port))
             script.flush()
