@@ -8,8 +8,11 @@ class OwnException : public vrException {
     OwnException() : vrException("Subject", 21, L"of a host", 0x80E06007) {}
 };
 
-// The debugger stops here, with the values of its caller and the exception as handlers see it.
-int stopHere(vrException const& failure) { return failure.code() == 0 ? 1 : 0; }
+// The debugger stops here, with the values of its caller, and with references to three of them: the
+// exception as handlers see it.
+int stopHere(vrException const& failure, vr::Path const& path, vr::PathSplitter const& parts) {
+    return failure.code() == 0 || path.empty() || parts.folders().empty() ? 1 : 0;
+}
 
 } // namespace
 
@@ -37,6 +40,7 @@ int main() {
     Files::vrInvalidIndexPathException const index(parsed);
     Storage::vrCreateFolderException const folder(5, L"C:\\Media\\");
     [[maybe_unused]] Host::vrFailedToGetHostNameException const host;
-    return isParsed && setRate.isSet() && setPath.isSet() && !unsetRate.isSet() ? stopHere(lock)
-                                                                                : 2;
+    return isParsed && setRate.isSet() && setPath.isSet() && !unsetRate.isSet()
+               ? stopHere(lock, relative, splitter)
+               : 2;
 }

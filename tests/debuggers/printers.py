@@ -3,11 +3,13 @@
 printers.py ROOT SUBJECT.exe
 
 The real thing: the subject runs under Wine in Debian's gdbserver.exe, the gdb of the same target
-connects to it over a port of this machine, stops in `stopHere` and prints the caller's variables.
+connects to it over a port of this machine, stops in `stopHere` and prints the caller's variables. Once
+with the DLL as it was built, and once with a copy that has lost its symbols.
 """
 
 import pathlib
 import re
+import shutil
 import socket
 import subprocess
 import sys
@@ -15,6 +17,7 @@ import tempfile
 
 SERVER = "/usr/share/win64/gdbserver.exe"
 DEBUGGER = "x86_64-w64-mingw32-gdb"
+STRIP = "x86_64-w64-mingw32-strip"
 SECONDS = 60
 ATTEMPTS = 3
 
@@ -47,12 +50,15 @@ EXPECTED = {
     "folder": r'vrUtils::Storage::vrCreateFolderException error 5 "C:\Media\"',
     "host": "vrUtils::Host::vrFailedToGetHostNameException",
 }
-# The argument of stopHere: seen as a vrException, shown as what it is.
-EXPECTED_FAILURE = EXPECTED["lock"]
+# The arguments of stopHere are references: the failure is seen as a vrException, shown as what it is.
+EXPECTED_REFERENCES = {
+    "failure": EXPECTED["lock"], "path": EXPECTED["relative"], "parts": EXPECTED["splitter"],
+}
 # With gdb's own limit for texts set to four characters.
 EXPECTED_CUT = r"C:\M..."
 # Also where `info locals` shows variables that are not built yet.
-FAILURES = re.compile(r"Python Exception|Traceback|incomplete type|Error while|error reading", re.IGNORECASE)
+FAILURES = re.compile(
+    r"Python Exception|Traceback|incomplete type|Error while|error reading|can't find", re.IGNORECASE)
 
 
 def free_port():
@@ -62,7 +68,9 @@ def free_port():
 
 
 def commands(root, subject, port):
-    prints = "\n".join(f"echo <{name}>\noutput {name}\necho \\n" for name in EXPECTED)
+    def prints(names):
+        return "\n".join(f"echo <{name}>\noutput {name}\necho \\n" for name in names)
+
     return f"""
 set pagination off
 set confirm off
@@ -77,11 +85,9 @@ continue
 info locals
 break stopHere
 continue
-echo <failure>
-output failure
-echo \\n
+{prints(EXPECTED_REFERENCES)}
 up
-{prints}
+{prints(EXPECTED)}
 set print elements 4
 echo <cut>
 output creator
@@ -123,16 +129,29 @@ def debug(root, subject):
 
 def faults(output):
     shown = dict(re.findall(r"^<(\w+)>(.*)$", output, re.MULTILINE))
-    for name, expected in {**EXPECTED, "failure": EXPECTED_FAILURE, "cut": EXPECTED_CUT}.items():
+    for name, expected in {**EXPECTED, **EXPECTED_REFERENCES, "cut": EXPECTED_CUT}.items():
         if shown.get(name) != expected:
             yield f"{name}: expected {expected}\n{' ' * len(name)}  shown    {shown.get(name)}"
     for failure in FAILURES.findall(output):
         yield f"the debugger says: {failure}"
 
 
+def without_symbols(subject, folder):
+    """A copy of the subject in the folder, beside DLLs without symbols."""
+    for file in [subject, *subject.parent.glob("*.dll")]:
+        shutil.copy(file, folder)
+    for dll in pathlib.Path(folder).glob("*.dll"):
+        subprocess.run([STRIP, "--strip-all", dll], check=True)
+    return pathlib.Path(folder) / subject.name
+
+
 root, subject = map(pathlib.Path, sys.argv[1:])
-output = debug(root, subject)
-problems = list(faults(output))
-if problems:
-    print(output, *problems, sep="\n")
-sys.exit(1 if problems else 0)
+failed = False
+with tempfile.TemporaryDirectory() as folder:
+    for tried in (subject, without_symbols(subject, folder)):
+        output = debug(root, tried)
+        problems = list(faults(output))
+        if problems:
+            print(tried, output, *problems, sep="\n")
+            failed = True
+sys.exit(1 if failed else 0)

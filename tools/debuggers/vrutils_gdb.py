@@ -12,14 +12,15 @@ Load it once in each gdb that debugs a host of the library, or from ~/.gdbinit:
     $3 = vrUtils::Files::LockFileException 0x80e0609e "Unable to lock C:\\Media\\clip.mxf"
 
 A compiler describes a class of a DLL in the DLL's own debug information. Where that is not at hand
-gdb says `<incomplete type>`: compile the host with -g -femit-class-debug-always. That a reference to
-`vrException` shows the class which was really thrown needs the symbols of vrUtils.dll.
+gdb says `<incomplete type>`: compile the host with -g -femit-class-debug-always. A reference to
+`vrException` shows the class that was really thrown.
 
 The printers only read memory; they call nothing in the program. What cannot be read, such as a local
 variable that is not built yet, is shown as `<unreadable>`.
 """
 
 import locale
+import re
 
 import gdb
 import gdb.printing
@@ -140,12 +141,25 @@ class UtilValuePrinter:
         return self.value["m_value"].format_string() if self.value["m_isSet"] else "unset"
 
 
+def class_of_table(table):
+    """The class that a table of virtual functions belongs to. Of a DLL without symbols gdb knows only
+    what it exports, by its mangled name."""
+    symbol = gdb.execute(f"info symbol {table}", to_string=True)
+    exported = re.match(r"\w+!(_ZTV\w+)", symbol)
+    if exported:
+        symbol = gdb.execute(f"demangle -- {exported[1]}", to_string=True)
+    found = re.match(r"vtable for (.+?)(?: \+ \d+ in section|$)", symbol)
+    return found and found[1].rstrip()
+
+
 def class_name(value):
-    """The class of the object itself, which may be derived from the one that it is seen as."""
+    """The class of the object itself, which may be derived from the one that it is seen as. gdb has a
+    way to tell, but warns at each class whose symbols it lacks."""
     try:
-        return str(value.dynamic_type.strip_typedefs().unqualified())
+        dynamic = class_of_table(int(value["_vptr.vrException"]))
     except gdb.error:
-        return str(value.type.strip_typedefs().unqualified())
+        dynamic = None
+    return dynamic or str(value.type.strip_typedefs().unqualified())
 
 
 class ExceptionPrinter:
@@ -227,6 +241,25 @@ def printer_of(kind):
     return next(filter(None, map(printer_of, bases)), None)
 
 
+def has_virtual_functions(kind):
+    return any(
+        (field.name or "").startswith("_vptr") or field.is_base_class and has_virtual_functions(field.type)
+        for field in kind.fields())
+
+
+def referenced(value):
+    """The object behind a reference; as a copy where gdb would look for its real class on the way, and
+    warn if it lacks the symbols."""
+    kind = value.type.target().strip_typedefs()
+    if kind.code != gdb.TYPE_CODE_STRUCT or not has_virtual_functions(kind):
+        return value.referenced_value()
+    try:
+        memory = gdb.selected_inferior().read_memory(int(value.address), kind.sizeof)
+    except gdb.MemoryError:
+        return value.referenced_value()
+    return gdb.Value(memory.tobytes(), kind)
+
+
 class VrUtilsPrinters(gdb.printing.PrettyPrinter):
     """What gdb asks for each value."""
 
@@ -235,7 +268,7 @@ class VrUtilsPrinters(gdb.printing.PrettyPrinter):
 
     def __call__(self, value):
         if value.type.code in (gdb.TYPE_CODE_REF, gdb.TYPE_CODE_RVALUE_REF):
-            value = value.referenced_value()
+            value = referenced(value)
         kind = value.type.strip_typedefs()
         if kind.code != gdb.TYPE_CODE_STRUCT:
             return None
