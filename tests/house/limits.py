@@ -10,7 +10,7 @@ import sys
 # What the page calls it, where it stands under which name, and what is to be added to it: terminators
 # take room that the page does not count.
 LIMITS = [
-    ("of it, kept inside the object", "vrUtils/Path.h", "inlineCapacity", 0),
+    ("text of a parse, kept inside the object", "vrUtils/Path.h", "inlineCapacity", 0),
     ("rows of the share table", "files/PathMappings.cpp", "mostRows", 0),
     ("value name in the `DriveMapping` key", "files/DriveMappings.cpp", "valueNameUnits", -1),
     ("its data", "files/DriveMappings.cpp", "valueBytes", 0),
