@@ -38,6 +38,13 @@ TEST(LegalFilename, LegalNameStays) {
     EXPECT_EQ(L"Clip 01 (new).mxf", legalAscii(L"Clip 01 (new).mxf"));
 }
 
+TEST(LegalFilename, DeviceNamesAndClosingDotsStay) {
+    EXPECT_EQ(L"CON", legal(L"CON"));
+    EXPECT_EQ(L"nul.mxf", legalAscii(L"nul.mxf"));
+    EXPECT_EQ(L"clip. ", legal(L"clip. "));
+    EXPECT_EQ(L"..", legal(L".."));
+}
+
 TEST(LegalFilename, EachReservedCharacterBecomesADash) {
     EXPECT_EQ(L"a---------b", legal(L"a\\/:*?<>|\"b"));
     EXPECT_EQ(L"a---------b", legalAscii(L"a\\/:*?<>|\"b"));

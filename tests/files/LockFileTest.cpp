@@ -2,6 +2,7 @@
 #include "tests/files/Outsider.h"
 #include "tests/support/HandleCount.h"
 #include "vrUtils/Process.h"
+#include "vrUtils/Storage.h"
 
 #include <optional>
 #include <type_traits>
@@ -177,6 +178,16 @@ TEST_F(LockFiles, OfTwoPathsAreTwoLocks) {
     LockFile const lock(m_path);
 
     EXPECT_NO_THROW(LockFile(vr::Path::file(m_text + L"2")));
+}
+
+TEST_F(LockFiles, OfARelativePathStayWhereTheWorkingFolderHasChanged) {
+    vrUtils::Storage::DirectorySetter const here(m_folder.path(), L"test");
+    {
+        LockFile const lock(vr::Path::file(L"clip.mxf"));
+        SetCurrentDirectoryW(L"C:\\");
+    }
+
+    EXPECT_EQ(std::vector<std::wstring>{L"clip.mxf.lck"}, m_folder.names());
 }
 
 TEST_F(LockFiles, LeaveNoHandleOpen) {
