@@ -54,8 +54,13 @@ EXPECTED = {
 EXPECTED_REFERENCES = {
     "failure": EXPECTED["lock"], "path": EXPECTED["relative"], "parts": EXPECTED["splitter"],
 }
-# With gdb's own limit for texts set to four characters.
-EXPECTED_CUT = r"C:\M..."
+# With gdb's own limit for texts set to four characters; then with values that cannot be right.
+EXPECTED_LAST = {
+    "cut": r"C:\M...",
+    "unended": "<unreadable>",
+    "disordered": '<unreadable> = {root = "<unreadable>", drive = "<unreadable>", '
+                  'folders = "<unreadable>", name = "<unreadable>", extension = "<unreadable>"}',
+}
 # Also where `info locals` shows variables that are not built yet.
 FAILURES = re.compile(
     r"Python Exception|Traceback|incomplete type|Error while|error reading|can't find", re.IGNORECASE)
@@ -91,6 +96,13 @@ up
 set print elements 4
 echo <cut>
 output creator
+set print elements 0
+set var creator.m_path._M_string_length = 3
+echo \\n<unended>
+output creator
+set var splitter.m_driveEnd = 1
+echo \\n<disordered>
+output splitter
 echo \\n
 kill
 """
@@ -129,7 +141,7 @@ def debug(root, subject):
 
 def faults(output):
     shown = dict(re.findall(r"^<(\w+)>(.*)$", output, re.MULTILINE))
-    for name, expected in {**EXPECTED, **EXPECTED_REFERENCES, "cut": EXPECTED_CUT}.items():
+    for name, expected in {**EXPECTED, **EXPECTED_REFERENCES, **EXPECTED_LAST}.items():
         if shown.get(name) != expected:
             yield f"{name}: expected {expected}\n{' ' * len(name)}  shown    {shown.get(name)}"
     for failure in FAILURES.findall(output):

@@ -15,7 +15,7 @@ A compiler describes a class of a DLL in the DLL's own debug information. Where 
 gdb says `<incomplete type>`: compile the host with -g -femit-class-debug-always. A reference to
 `vrException` shows the class that was really thrown.
 
-The printers only read memory; they call nothing in the program. What cannot be read, such as a local
+The printers only read memory; they call nothing in the program. What is no text, as in a local
 variable that is not built yet, is shown as `<unreadable>`.
 """
 
@@ -25,6 +25,7 @@ import re
 import gdb
 import gdb.printing
 
+UNREADABLE = "<unreadable>"
 LONGEST_TEXT = 32767
 BYTES_OF_A_CHARACTER = 2
 
@@ -36,20 +37,28 @@ def writable(text):
     return "".join(plain).encode(encoding, "backslashreplace").decode(encoding)
 
 
+def memory_at(address, size):
+    return gdb.selected_inferior().read_memory(address, size).tobytes()
+
+
 def text_at(address, length):
     """Up to as many characters as gdb itself would show of a text: `set print elements`."""
-    shown = max(0, min(length, gdb.parameter("print elements") or LONGEST_TEXT))
-    memory = gdb.selected_inferior().read_memory(address, shown * BYTES_OF_A_CHARACTER)
-    text = memory.tobytes().decode("utf-16-le", "surrogatepass")
-    return writable(text) + ("..." if length > shown else "")
+    shown = min(length, gdb.parameter("print elements") or LONGEST_TEXT)
+    try:
+        memory = memory_at(address, shown * BYTES_OF_A_CHARACTER)
+    except (gdb.MemoryError, OverflowError):
+        return UNREADABLE
+    return writable(memory.decode("utf-16-le", "surrogatepass")) + ("..." if length > shown else "")
 
 
 def wide_string(value):
-    """The text of a std::wstring."""
+    """The text of a std::wstring, which has a zero character behind it unless it is not built yet."""
     try:
-        return text_at(int(value["_M_dataplus"]["_M_p"]), int(value["_M_string_length"]))
+        begin, length = int(value["_M_dataplus"]["_M_p"]), int(value["_M_string_length"])
+        end = memory_at(begin + length * BYTES_OF_A_CHARACTER, BYTES_OF_A_CHARACTER)
     except (gdb.MemoryError, OverflowError):
-        return "<unreadable>"
+        return UNREADABLE
+    return UNREADABLE if any(end) else text_at(begin, length)
 
 
 def quoted(text):
@@ -76,30 +85,29 @@ class PathSplitterPrinter:
 
     def __init__(self, value):
         self.value = value
+        self.first, self.ends = self.layout() or (0, None)
 
-    def end(self, name):
+    def layout(self):
+        """Where the text begins and where each part ends; None if the object is not built yet."""
+        inside, moved = self.value["m_inlineText"]["_M_elems"], self.value["m_longText"]
         try:
-            return int(self.value[f"m_{name}End"])
+            ends = [int(self.value[f"m_{name}End"]) for name in self.PARTS]
+            room = int(moved["_M_string_length"])
+            first = int(moved["_M_dataplus"]["_M_p"] if room else inside.address)
         except gdb.MemoryError:
-            return 0
+            return None
+        room = room or inside.type.strip_typedefs().range()[1] + 1
+        return (first, ends) if ends == sorted(ends) and ends[-1] <= room else None
 
     def part(self, begin, end):
-        try:
-            if int(self.value["m_longText"]["_M_string_length"]) > 0:
-                first = int(self.value["m_longText"]["_M_dataplus"]["_M_p"])
-            else:
-                first = int(self.value["m_inlineText"]["_M_elems"].address)
-            return text_at(first + begin * BYTES_OF_A_CHARACTER, end - begin)
-        except (gdb.MemoryError, OverflowError):
-            return "<unreadable>"
+        return text_at(self.first + begin * BYTES_OF_A_CHARACTER, end - begin) if self.ends else UNREADABLE
 
     def to_string(self):
-        return self.part(0, self.end("extension"))
+        return self.part(0, self.ends[-1] if self.ends else 0)
 
     def children(self):
         begin = 0
-        for name in self.PARTS:
-            end = self.end(name)
+        for name, end in zip(self.PARTS, self.ends or (0,) * len(self.PARTS)):
             yield name, quoted(self.part(begin, end))
             begin = end
 
