@@ -81,6 +81,11 @@ Sample::Sample()
       clip(m_scratch.write(L"clip.mxf", "movie"), vr::Path::eFile),
       source(m_scratch.file(L"incoming\\clip.mxf"), vr::Path::eFile) {}
 
+Sample::~Sample() {
+    if (m_answer.joinable())
+        m_answer.join();
+}
+
 std::string Sample::onPage(std::wstring text) const {
     auto lowered = m_scratch.path();
     std::transform(lowered.begin(), lowered.end(), lowered.begin(), std::towlower);
@@ -128,6 +133,22 @@ bool Sample::recovers(vrUtils::Storage::RecoverableFileDeleter& deleter) try {
     return true;
 } catch (vrUtils::Storage::vrCopyFileException const&) {
     return false;
+}
+
+std::uint16_t Sample::startServer() {
+    m_server.emplace();
+    m_answer = std::thread([this] {
+        auto const client = m_server->accept();
+        if (client.receive(5) == "rate?")
+            client.send("25");
+        client.receive(1); // nothing: the client has closed its side
+    });
+    return m_server->port();
+}
+
+std::uint32_t Sample::startTool() {
+    m_tool.emplace(std::vector<std::wstring>{L"wait"});
+    return m_tool->id();
 }
 
 } // namespace test

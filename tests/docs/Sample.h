@@ -5,7 +5,9 @@
 // a promise looks like.
 
 #include "tests/support/AbsentKey.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/LogRecorder.h"
+#include "tests/support/LoopbackServer.h"
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/WideText.h"
 
@@ -18,6 +20,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <thread>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
@@ -85,6 +88,7 @@ bool matchesPage(std::string const& text, std::string const& shown);
 class Sample : public testing::Test {
   protected:
     Sample();
+    ~Sample() override;
 
     // A text as pages show it, in which the scratch folder is C:\Media.
     std::string onPage(std::wstring text) const;
@@ -115,6 +119,17 @@ class Sample : public testing::Test {
     static bool transfer(vr::Path const& from, vr::Path const& to);
     static bool recovers(vrUtils::Storage::RecoverableFileDeleter& deleter);
     static void waitForTheOperator() {}
+
+    // A server that takes one client and answers "rate?" with "25"; its port.
+    std::uint16_t startServer();
+
+    // A program that never ends by itself; its process id.
+    std::uint32_t startTool();
+
+  private:
+    std::optional<LoopbackServer> m_server;
+    std::thread m_answer;
+    std::optional<ChildProcess> m_tool;
 };
 
 // On a machine on which the product was never set up. What samples make of it goes again.
