@@ -147,7 +147,7 @@ std::uint16_t Sample::startServer() {
 }
 
 std::uint32_t Sample::startTool() {
-    m_tool.emplace(std::vector<std::wstring>{L"wait"});
+    m_tool.emplace(std::vector<std::wstring>{L"sleep"});
     return m_tool->id();
 }
 
