@@ -13,7 +13,7 @@ import posixpath
 import re
 import sys
 
-INDEX = "docs/README.md"
+INDEX = "docs/index.md"
 LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
 NAMED = re.compile(
     r"`((?:vrUtils|VorraneLog|docs|examples|scripts|tests|foundation|config|files|process|net|storage"
@@ -74,7 +74,7 @@ def read(root):
 
 def self_test():
     index = "# All\n| [one](one.md) | text |\n"
-    one = "# A `b`: c\n[x](README.md#all) [y](#a-b-c) [z](../src/a.h) [w](https://example.org/)\n"
+    one = "# A `b`: c\n[x](index.md#all) [y](#a-b-c) [z](../src/a.h) [w](https://example.org/)\n"
     good = {INDEX: index, "docs/one.md": one}
 
     def seen(pages, more=None):
@@ -83,7 +83,7 @@ def self_test():
 
     bad = [
         one + "[v](none.md)\n",
-        one + "[v](README.md#none)\n",
+        one + "[v](index.md#none)\n",
         one + "[v](#none)\n",
         one + "[two\nlines](none.md)\n",
         one + "`vrUtils/None.h`\n",
