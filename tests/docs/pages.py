@@ -4,8 +4,8 @@ pages.py ROOT         reads README.md and the pages of docs/ and examples/, and 
 pages.py --self-test  shows that each kind of breach is seen
 
 A link leads to a file of the tree, and to a heading of a page where it names one. A file that is only
-named, such as `vrUtils/Files.h`, is there too. Every page of docs/ stands in one line of its index. A
-block behind a line such as <!-- as in tests/consumer/main.cpp --> has the bytes of that file.
+named, such as `vrUtils/Files.h`, is there too. Every page of docs/ stands in one line of its index,
+and every public header that declares something is named by a page. A block behind a line such as <!-- as in tests/consumer/main.cpp --> has the bytes of that file.
 """
 
 import pathlib
@@ -18,6 +18,7 @@ LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
 NAMED = re.compile(
     r"`((?:vrUtils|VorraneLog|docs|examples|scripts|tests|foundation|config|files|process|net|storage"
     r"|media|measures|reports|tools)/[\w./-]*\w)`")
+PUBLIC = re.compile(r"vrUtils/[\w/]+\.h$")
 CODE_BLOCK = re.compile(r"^```.*?^```$", re.MULTILINE | re.DOTALL)
 CODE_SPAN = re.compile(r"`[^`\n]*`")
 HEADING = re.compile(r"^#+ (.*)$", re.MULTILINE)
@@ -58,6 +59,11 @@ def breaches(pages, files):
     for name in pages:
         if name.startswith("docs/") and name != INDEX and listed.count(name[5:]) != 1:
             yield f"{name} does not stand in one line of {INDEX}"
+    named = {path for page in pages.values() for path in NAMED.findall(page)}
+    for path in sorted(filter(PUBLIC.match, set(files) - named)):
+        # What only includes other headers, and what only marks exports, needs no page.
+        if re.search(r"^[^#/\s]", files[path], re.MULTILINE):
+            yield f"{path} is named by no page"
 
 
 def read(root):
@@ -78,7 +84,7 @@ def self_test():
     good = {INDEX: index, "docs/one.md": one}
 
     def seen(pages, more=None):
-        files = {**pages, "src/a.h": "", "src": "", "vrUtils/Path.h": "", **(more or {})}
+        files = {**pages, "src/a.h": "", "src": "", "vrUtils/Path.h": "", "vrUtils/All.h": "#x", **(more or {})}
         return list(breaches(pages, files))
 
     bad = [
@@ -94,6 +100,8 @@ def self_test():
     for page in ("", index * 2):
         if len(seen({**good, INDEX: page})) == 0:
             problems.append(f"not seen: an index that is {page!r}")
+    if len(seen(good, {"vrUtils/New.h": "#ifndef X\n\nint f();\n"})) != 1:
+        problems.append("not seen: a header that no page names")
     fine = one + "`vrUtils/Path.h` `[a](b)`\n```cpp\n[a](b)\n```\n<!-- as in src/a.h -->\n\n```cpp\nx\n```\n"
     problems += seen({**good, "docs/one.md": fine}, {"src/a.h": "x\n"})
     return problems
