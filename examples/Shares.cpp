@@ -1,6 +1,6 @@
-// A share that is reached under a user's name of its own, for as long as a scope lasts. The path
-// goes with a separator behind the share where it is connected to by a function, and without one
-// where an object is to end the connection too. A share that refuses is told by its code.
+// A share that is reached under a user's name of its own. The path has a separator behind the share,
+// since its last word counts as a file's name; the connection is known by the bare share, and so is
+// ended by that. A share that refuses is told by its code.
 
 #include <vrUtils/Storage.h>
 #include <vrUtils/vrException.h>
@@ -17,8 +17,9 @@ constexpr std::uint32_t otherUserConnected = 0x80606005;
 // What can be done without the share is done without it.
 bool fetchFrom(std::wstring const& share) {
     try {
-        Storage::NetworkShareConnection const connection(share, L"ingest", L"secret");
+        Storage::NetworkShareConnection const connection(share + L'\\', L"ingest", L"secret");
         std::wcout << L"connected to " << share << L'\n';
+        Storage::Disconnect(share);
         return true;
     } catch (vrException const& failure) {
         std::wcout << failure.message()

@@ -80,7 +80,8 @@ INSTANTIATE_TEST_SUITE_P(
         Example{
             "SafeReplace",
             {"not replaced: the source has gone", "the clip is old", "the clip is new"}},
-        Example{"Shares", {R"(Failed to connect to share \\no-such-server\media)", "out of reach"}},
+        Example{
+            "Shares", {R"(Failed to connect to share \\no-such-server\media\)", "out of reach"}},
         Example{
             "SmallFiles",
             {"legal name: News- -Live- 20-15.txt", "length: 11, age in hours: 0",
