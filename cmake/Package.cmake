@@ -9,9 +9,12 @@ install(TARGETS vrtool RUNTIME DESTINATION bin)
 install(DIRECTORY vrUtils DESTINATION include FILES_MATCHING PATTERN "*.h")
 install(FILES VorraneLog/VorraneLog.h DESTINATION include/VorraneLog)
 install(FILES "${PROJECT_BINARY_DIR}/generated/vrUtils/version.h" DESTINATION include/vrUtils)
-install(DIRECTORY docs/ DESTINATION share/doc/vrUtils FILES_MATCHING PATTERN "*.md")
-install(FILES README.md CHANGELOG.md DESTINATION share/doc/vrUtils OPTIONAL)
-install(DIRECTORY tools/debuggers/ DESTINATION share/vrUtils/debuggers OPTIONAL)
+# As they lie in the tree, so that the pages' links lead somewhere.
+install(DIRECTORY docs DESTINATION share/vrUtils FILES_MATCHING PATTERN "*.md")
+install(DIRECTORY examples DESTINATION share/vrUtils
+  FILES_MATCHING PATTERN "*.cpp" PATTERN "*.md" PATTERN "*.xsl")
+install(DIRECTORY tools/debuggers DESTINATION share/vrUtils)
+install(FILES README.md CHANGELOG.md DESTINATION share/vrUtils)
 
 # The public headers include a few of Boost's, and pass JsonCpp on: both come along, so that a host
 # needs nothing else. What the compiler reports is the list of them.
