@@ -86,6 +86,10 @@ Sample::~Sample() {
         m_answer.join();
 }
 
+void Sample::TearDown() {
+    EXPECT_EQ(m_promised, m_reached.size()) << "statements that promise something were come to";
+}
+
 std::string Sample::onPage(std::wstring text) const {
     auto lowered = m_scratch.path();
     std::transform(lowered.begin(), lowered.end(), lowered.begin(), std::towlower);

@@ -15,9 +15,11 @@
 
 #include <gmock/gmock.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <sstream>
 #include <string>
 #include <thread>
@@ -90,6 +92,11 @@ class Sample : public testing::Test {
     Sample();
     ~Sample() override;
 
+    // So many statements of a sample promise something; each is to be come to.
+    void promise(std::size_t statements) { m_promised = statements; }
+    void reach(std::size_t statement) { m_reached.insert(statement); }
+    void TearDown() override;
+
     // A text as pages show it, in which the scratch folder is C:\Media.
     std::string onPage(std::wstring text) const;
 
@@ -127,6 +134,8 @@ class Sample : public testing::Test {
     std::uint32_t startTool();
 
   private:
+    std::size_t m_promised = 0;
+    std::set<std::size_t> m_reached;
     std::optional<LoopbackServer> m_server;
     std::thread m_answer;
     std::optional<ChildProcess> m_tool;

@@ -76,3 +76,12 @@ TEST_F(Sample, SeesAProgramThatFailsOrPrintsSomethingElse) {
     EXPECT_NONFATAL_FAILURE(expectProgram([] { return 1; }, ""), "result");
     EXPECT_NONFATAL_FAILURE(expectProgram([] { return 0; }, "text"), "matchesPage");
 }
+
+TEST_F(Sample, SeesAPromiseThatNobodyComesTo) {
+    promise(2);
+    reach(0);
+    reach(0);
+
+    EXPECT_NONFATAL_FAILURE(Sample::TearDown(), "were come to");
+    reach(1);
+}

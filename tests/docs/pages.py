@@ -3,9 +3,11 @@
 pages.py ROOT         reads README.md and the pages of docs/ and examples/, and lists every breach
 pages.py --self-test  shows that each kind of breach is seen
 
-A link leads to a file of the tree, and to a heading of a page where it names one. A file that is only
-named, such as `vrUtils/Files.h`, is there too. Every page of docs/ stands in one line of its index,
-and every public header that declares something is named by a page. A block behind a line such as <!-- as in tests/consumer/main.cpp --> has the bytes of that file.
+A link leads to a file of the tree, and to a heading of a page where it names one. A file that is
+only named, such as `vrUtils/Files.h`, is there too. Every page of docs/ stands in one line of its
+index, and every public header that declares something is named by a page. A block behind a line like
+<!-- as in tests/consumer/Main.cpp --> has the bytes of that file, and blocks are of known kinds:
+one of another kind might be a sample that nobody runs.
 """
 
 import pathlib
@@ -15,16 +17,24 @@ import sys
 
 INDEX = "docs/index.md"
 LINK = re.compile(r"\[[^\]]*\]\(([^)\s]+)\)")
-NAMED = re.compile(
-    r"`((?:vrUtils|VorraneLog|docs|examples|scripts|tests|foundation|config|files|process|net|storage"
-    r"|media|measures|reports|tools)/[\w./-]*\w)`")
+FOLDERS = (
+    "VorraneLog|config|docs|examples|files|foundation|measures|media|net|process|reports|scripts"
+    "|storage|tests|tools|vrUtils")
+NAMED = re.compile(rf"`((?:{FOLDERS})/[\w./-]*\w)`")
 PUBLIC = re.compile(r"vrUtils/[\w/]+\.h$")
 CODE_BLOCK = re.compile(r"^```.*?^```$", re.MULTILINE | re.DOTALL)
 CODE_SPAN = re.compile(r"`[^`\n]*`")
 HEADING = re.compile(r"^#+ (.*)$", re.MULTILINE)
 COPIED = re.compile(r"^<!-- as in (\S+) -->\n+```\w*\n(.*?)^```$", re.MULTILINE | re.DOTALL)
 # What the build makes, or what a page shows as an example of a name.
-MADE = {"vrUtils/version.h", "files/NewThing.cpp", "vrUtils/Files/NewThing.h", "tests/files/NewThingTest.cpp"}
+MADE = {
+    "vrUtils/version.h",
+    "files/NewThing.cpp",
+    "vrUtils/Files/NewThing.h",
+    "tests/files/NewThingTest.cpp",
+}
+KIND = re.compile(r"^```(\S*)$.*?^```$", re.MULTILINE | re.DOTALL)
+KINDS = {"", "cmake", "console", "cpp", "text", "xml"}
 
 
 def anchors(page):
@@ -33,18 +43,24 @@ def anchors(page):
     for heading in HEADING.findall(CODE_BLOCK.sub("", page)):
         bare = re.sub(r"[^\w\- ]", "", heading.lower()).replace(" ", "-")
         found[bare] = found.get(bare, -1) + 1
-    return {name + (f"-{again}" if again else "") for name, last in found.items() for again in range(last + 1)}
+    return {
+        name + (f"-{again}" if again else "")
+        for name, last in found.items()
+        for again in range(last + 1)
+    }
 
 
 def breaches(pages, files):
-    """What is wrong with the pages, which are given by name; `files` are the contents of the tree."""
+    """What is wrong with the pages, given by name; `files` are the contents of the tree."""
     for name, page in sorted(pages.items()):
         prose = CODE_BLOCK.sub("", page)
         for link in LINK.findall(CODE_SPAN.sub("``", prose)):
             if re.match(r"\w+:", link):
                 continue
             target, _, anchor = link.partition("#")
-            path = posixpath.normpath(posixpath.join(posixpath.dirname(name), target)) if target else name
+            path = name
+            if target:
+                path = posixpath.normpath(posixpath.join(posixpath.dirname(name), target))
             if path not in files:
                 yield f"{name}: {link} is not there"
             elif anchor and anchor not in anchors(files[path]):
@@ -52,6 +68,8 @@ def breaches(pages, files):
         for path in NAMED.findall(prose):
             if path not in files and path not in MADE:
                 yield f"{name}: `{path}` is not there"
+        for kind in set(KIND.findall(page)) - KINDS:
+            yield f"{name}: a block of the kind {kind}"
         for path, block in COPIED.findall(page):
             if files.get(path) != block:
                 yield f"{name}: a block is not what stands in {path}"
@@ -83,9 +101,10 @@ def self_test():
     one = "# A `b`: c\n[x](index.md#all) [y](#a-b-c) [z](../src/a.h) [w](https://example.org/)\n"
     good = {INDEX: index, "docs/one.md": one}
 
-    def seen(pages, more=None):
-        files = {**pages, "src/a.h": "", "src": "", "vrUtils/Path.h": "", "vrUtils/All.h": "#x", **(more or {})}
-        return list(breaches(pages, files))
+    tree = {"src/a.h": "", "src": "", "vrUtils/Path.h": "", "vrUtils/All.h": "#x"}
+
+    def seen(pages, more={}):
+        return list(breaches(pages, {**pages, **tree, **more}))
 
     bad = [
         one + "[v](none.md)\n",
@@ -95,14 +114,18 @@ def self_test():
         one + "`vrUtils/None.h`\n",
         one + "<!-- as in src/a.h -->\n```cpp\nother\n```\n",
         one + "<!-- as in src/none.h -->\n```cpp\n```\n",
+        one + "```c++\n```\n",
     ]
-    problems = [f"not seen: {page}" for page in bad if len(seen({**good, "docs/one.md": page})) != 1]
+    problems = [
+        f"not seen: {page}" for page in bad if len(seen({**good, "docs/one.md": page})) != 1
+    ]
     for page in ("", index * 2):
         if len(seen({**good, INDEX: page})) == 0:
             problems.append(f"not seen: an index that is {page!r}")
     if len(seen(good, {"vrUtils/New.h": "#ifndef X\n\nint f();\n"})) != 1:
         problems.append("not seen: a header that no page names")
-    fine = one + "`vrUtils/Path.h` `[a](b)`\n```cpp\n[a](b)\n```\n<!-- as in src/a.h -->\n\n```cpp\nx\n```\n"
+    fine = one + "`vrUtils/Path.h` `[a](b)`\n```cpp\n[a](b)\n```\n"
+    fine += "<!-- as in src/a.h -->\n\n```cpp\nx\n```\n"
     problems += seen({**good, "docs/one.md": fine}, {"src/a.h": "x\n"})
     return problems
 

@@ -3,12 +3,13 @@
 samples.py PAGE SOURCE NAME [--machine]  writes a source with a test for each ```cpp block of a page
 samples.py --self-test                   shows that each form is understood, and all else refused
 
-Each block is the body of one test, named after the page's NAME and the heading. It finds what `Sample.h` tells:
-`folder`, `clip` and a few functions; with --machine the product's settings are those of a fresh
-machine. Its #include lines go to the head of the source. A block with a main function is a program:
-it has to return 0, and to print what the ```text block says that follows it at once.
+Each block is the body of one test, named after the page's NAME and the heading. It finds what
+`Sample.h` tells: `folder`, `clip` and a few functions; with --machine the product's settings are
+those of a fresh machine. Its #include lines go to the head of the source. A block with a main
+function is a program: it has to return 0, and to print what the ```text block says that follows it
+at once.
 
-What a comment promises of its statement is checked:
+What a comment promises of its statement is checked, and the statement has to be come to:
 
     clip.size();                         // -> 18
     auto const name = clip.str();        // -> C:\\Media\\clip.mxf
@@ -18,8 +19,8 @@ What a comment promises of its statement is checked:
 
 `->` compares texts: numbers in decimal (in hexadecimal if the comment begins with 0x), lists with
 ", " between, nothing as "(empty)"; the scratch folder shows as C:\\Media. `==` compares with an
-expression. After `throws` stands the class, then as much of code and text as is to be checked. After
-`logs` stand level, module and text; a module may be left out. "..." stands for any text.
+expression. After `throws` stands the class, then as much of code and text as is to be checked.
+After `logs` stand level, module and text; a module may be left out. "..." stands for any text.
 
 A promise may also stand below its statement. Comment lines that are indented by four further blanks
 go on with it:
@@ -34,14 +35,16 @@ import pathlib
 import re
 import sys
 
-FENCE = re.compile(r"^```(\w*)$")
+FENCE = re.compile(r"^```(\S*)$")
 HEADING = re.compile(r"^#+ (.*)$")
 PROMISE = re.compile(r"^(->|==|throws|logs)(?: (.*))?$")
+# What was meant for a promise, so that none is taken for a remark.
+LIKE_A_PROMISE = re.compile(r"^([-=]+>|==|throws?\b|logs?\b)")
 THROWS = re.compile(r"^((?:\w+::)*[A-Za-z]\w*)(?: (0x[0-9A-F]{8}))?(?::(?: (.*))?)?$")
 LOGS = re.compile(r"^([0-7])(?: ([^:]+))?: (.*)$")
 DECLARATION = re.compile(
-    r"^(?!return|throw|delete|new|using|namespace)[\w:]+(?:<[^;]*?>)?(?: const)?(?:[&*] ?| )(\w+)\s*[=({;]",
-    re.DOTALL)
+    r"^(?!return|throw|delete|new|using|namespace)[\w:]+(?:<[^;]*?>)?(?: const)?(?:[&*] ?| )"
+    r"(\w+)\s*[=({;]", re.DOTALL)
 # Literals, then a digit separator, then any other character that begins no comment.
 CODE = re.compile(
     r"""(?:R"\(.*?\)"|"(?:\\.|[^"\\])*"|(?<=[0-9A-F])'(?=[0-9A-F])|'(?:\\.|[^'\\])*'|[^/]|/(?!/))*""")
@@ -134,11 +137,13 @@ def statements(block):
     for number, line in enumerate(block.lines, block.line):
         code, comment = split_comment(line)
         bare = not code.strip()
-        told = PROMISE.match(comment.strip()) if comment is not None else None
-        if bare and comment is not None and comment.startswith("     ") and result and result[-1][2]:
+        told = PROMISE.match((comment or "").strip())
+        if bare and (comment or "").startswith("     ") and result and result[-1][2]:
             kind, text = result[-1][2][-1]
             result[-1][2][-1] = (kind, f"{text} {comment.strip()}".strip())
             continue
+        if not told and LIKE_A_PROMISE.match((comment or "").strip()):
+            raise Refused(f"line {number}: no promise: {comment}")
         if not bare:
             begin = begin or number
             pending += ("\n" if pending else "") + code.rstrip()
@@ -157,7 +162,7 @@ def statements(block):
 
 def body(block, page):
     """Includes and code of a block."""
-    includes, code = [], []
+    includes, code, promising = [], [], 0
     for line, statement, promises in statements(block):
         if statement.startswith("#include"):
             includes.append(statement)
@@ -166,7 +171,11 @@ def body(block, page):
             code.append(f'#line {line} "{page}"\n{checked(statement, promises)}')
         except Refused as refusal:
             raise Refused(f"{page}:{line}: {refusal}") from None
-    return includes, "\n".join(code)
+        if promises:
+            code[-1] += f" reach({promising});"
+            promising += 1
+    # A promise in a handler that is never entered would be kept by nobody.
+    return includes, "\n".join([*([f"promise({promising});"] if promising else []), *code])
 
 
 def camel(text):
@@ -201,53 +210,91 @@ def source(text, page, name, machine):
     return "\n".join(head + tests) if tests else ""
 
 
-def self_test():
-    def code_of(*lines):
-        block = Block("", 1)
-        block.lines = list(lines)
-        return re.sub(r'#line.*\n', "", body(block, "page")[1])
+# Lines of a block, and what they become.
+UNDERSTOOD = [
+    (["f(); // -> 7"], 'SHOWS(R"doc(7)doc", f());'),
+    (["f(); // -> 0x1F"], 'SHOWS_HEX(R"doc(0x1F)doc", f());'),
+    (["auto const n = f(", "    1); // -> a // b"],
+     'auto const n = f(\n    1); SHOWS(R"doc(a // b)doc", n);'),
+    (["vr::Path p(t); // -> x"], 'vr::Path p(t); SHOWS(R"doc(x)doc", p);'),
+    (["std::list<int> l{1, 2}; // -> 1, 2"],
+     'std::list<int> l{1, 2}; SHOWS(R"doc(1, 2)doc", l);'),
+    (["auto& s = f(); // -> 1"], 'auto& s = f(); SHOWS(R"doc(1)doc", s);'),
+    (["a.b(c) += d; // -> x"], 'SHOWS(R"doc(x)doc", a.b(c) += d);'),
+    (["f(); // == N::E"], "EQUALS((N::E), f());"),
+    (["f(); // throws N::E"], 'THROWS(N::E, std::nullopt, R"doc(...)doc", f(););'),
+    (["f(); // throws E 0x8000000C: no"], 'THROWS(E, 0x8000000C, R"doc(no)doc", f(););'),
+    (["f();", "// throws E:", "//     one", "//     two"],
+     'THROWS(E, std::nullopt, R"doc(one two)doc", f(););'),
+    (["f(); // logs 4 A B: c: d"], 'f(); LOGGED(4, R"doc(A B)doc", R"doc(c: d)doc");'),
+    (["{", "    f();", "} // logs 7: x"],
+     '{\n    f();\n} LOGGED(7, R"doc(...)doc", R"doc(x)doc");'),
+    (['f(L"// -> 1"); // a word'], 'f(L"// -> 1");'),
+    (['f(R"("//)"); // -> 2'], 'SHOWS(R"doc(2)doc", f(R"("//)"));'),
+    (["f(1'000); // -> 2"], "SHOWS(R\"doc(2)doc\", f(1'000));"),
+]
+REFUSED = [
+    ["// -> 1"],
+    ["f() // -> 1"],
+    ["f(); // ->1"],
+    ["f(); // => 1"],
+    ["f(); // throw E"],
+    ["f(); // throws 7"],
+    ["f(); // logs x"],
+]
 
-    understood = [
-        (["f(); // -> 7"], 'SHOWS(R"doc(7)doc", f());'),
-        (["f(); // -> 0x1F"], 'SHOWS_HEX(R"doc(0x1F)doc", f());'),
-        (["auto const n = f(", "    1); // -> a // b"], 'auto const n = f(\n    1); SHOWS(R"doc(a // b)doc", n);'),
-        (["vr::Path p(t); // -> x"], 'vr::Path p(t); SHOWS(R"doc(x)doc", p);'),
-        (["std::list<int> l{1, 2}; // -> 1, 2"], 'std::list<int> l{1, 2}; SHOWS(R"doc(1, 2)doc", l);'),
-        (["auto& s = f(); // -> 1"], 'auto& s = f(); SHOWS(R"doc(1)doc", s);'),
-        (["a.b(c) += d; // -> x"], 'SHOWS(R"doc(x)doc", a.b(c) += d);'),
-        (["f(); // == N::E"], "EQUALS((N::E), f());"),
-        (["f(); // throws N::E"], 'THROWS(N::E, std::nullopt, R"doc(...)doc", f(););'),
-        (["f(); // throws E 0x8000000C: no"], 'THROWS(E, 0x8000000C, R"doc(no)doc", f(););'),
-        (["f();", "// throws E:", "//     one", "//     two"], 'THROWS(E, std::nullopt, R"doc(one two)doc", f(););'),
-        (["f(); // logs 4 A B: c: d"], 'f(); LOGGED(4, R"doc(A B)doc", R"doc(c: d)doc");'),
-        (["{", "    f();", "} // logs 7: x"], '{\n    f();\n} LOGGED(7, R"doc(...)doc", R"doc(x)doc");'),
-        (["f(L\"// -> 1\"); // a word"], 'f(L"// -> 1"); '.strip()),
-        (["f(R\"(\"//)\"); // -> 2"], 'SHOWS(R"doc(2)doc", f(R"("//)"));'),
-        (["f(1'000); // -> 2"], "SHOWS(R\"doc(2)doc\", f(1'000));"),
-    ]
-    refused = [["// -> 1"], ["f() // -> 1"], ["f(); // throws 7"], ["f(); // logs x"]]
-    problems = []
-    for lines, wanted in understood:
-        made = code_of(*lines)
+PAGE = """# A
+```cpp
+f(1); // -> 1
+f(2); // -> 2
+```
+## The b
+```cpp
+#include <x>
+int main() {
+}
+```
+
+```text
+out
+```
+"""
+IN_SOURCE = [
+    "TEST_F(DocsTwoWords, A)",
+    "promise(2);",
+    "f(2)); reach(1);",
+    "#include <x>",
+    "int program()",
+    'expectProgram(DocsTwoWordsPrograms::TheB::program, R"doc(out)doc")',
+]
+
+
+def self_test():
+    def code_of(lines):
+        block = Block("", 1)
+        block.lines = lines
+        counting = r"^#line.*\n|^promise.*\n| reach\(0\);"
+        return re.sub(counting, "", body(block, "page")[1], flags=re.MULTILINE)
+
+    for lines, wanted in UNDERSTOOD:
+        made = code_of(lines)
         if made != wanted:
-            problems.append(f"{lines}\n  gives  {made}\n  wanted {wanted}")
-    for lines in refused:
+            yield f"{lines}\n  gives  {made}\n  wanted {wanted}"
+    for lines in REFUSED:
         try:
-            problems.append(f"{lines} was taken: {code_of(*lines)}")
+            yield f"{lines} was taken: {code_of(lines)}"
         except Refused:
             pass
-    page = "# A\n```cpp\nf();\n```\n## The b\n```cpp\n#include <x>\nint main() {\n}\n```\n\n```text\nout\n```\n"
-    made = source(page, "docs/page.md", "two-words", False)
-    for wanted in ("TEST_F(DocsTwoWords, A)", "#include <x>", "int program()", 'expectProgram(DocsTwoWordsPrograms::TheB::program, R"doc(out)doc")'):
+    made = source(PAGE, "docs/page.md", "two-words", False)
+    for wanted in IN_SOURCE:
         if wanted not in made:
-            problems.append(f"{wanted} is not in {made}")
+            yield f"{wanted} is not in {made}"
     if source("no samples\n```text\nf();\n```\n", "docs/none.md", "none", False):
-        problems.append("a page without samples has some")
-    return problems
+        yield "a page without samples has some"
 
 
 if sys.argv[1] == "--self-test":
-    problems = self_test()
+    problems = list(self_test())
     print(*problems, sep="\n")
     sys.exit(1 if problems else 0)
 page, target = map(pathlib.Path, sys.argv[1:3])
