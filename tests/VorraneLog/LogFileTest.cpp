@@ -381,6 +381,26 @@ TEST(LogFile, FolderIsLookedForUpToTheStartOfThePathAndNoFurther) {
     EXPECT_THAT(folder.names(), IsEmpty());
 }
 
+TEST(LogFile, FolderThatCannotBeMadeInItsParentLosesTheLine) {
+    test::ScratchFolder const folder;
+    LogFile file(folder.file(L"one\\two\\a.log"), {});
+    test::ImportHook<decltype(CreateDirectoryW)> hook(
+        "CreateDirectoryW",
+        [&hook](LPCWSTR path, SECURITY_ATTRIBUTES* attributes) -> BOOL {
+            if (std::wstring(path).find(L"\\two") == std::wstring::npos)
+                return hook.original()(path, attributes);
+            SetLastError(ERROR_PATH_NOT_FOUND);
+            return FALSE;
+        },
+        test::thisProgram());
+
+    file.write("text");
+
+    EXPECT_EQ(3U, hook.calls());
+    EXPECT_THAT(folder.names(), ElementsAre(L"one"));
+    EXPECT_THAT(folder.names(L"one"), IsEmpty());
+}
+
 TEST(LogFile, LongLineIsCutWithoutMemoryForIt) {
     test::ScratchFolder const folder;
     LogFile file(folder.file(L"a.log"), {});

@@ -1,0 +1,21 @@
+# Whole test programs, each run once. Sourced after common.sh, within a Wine session.
+
+# run_whole_programs FOLDER: every test program of the folder, one after the other, all tests of each
+# in one process: many times faster than a process for each test. What a failed program says is shown;
+# only the closing line tells that one has passed, since a crash can leave the status of a success.
+run_whole_programs() {
+    local program output failed=0
+    output=$(mktemp)
+    for program in "$1"/*_tests.exe; do
+        timeout 900 "$root/scripts/lib/run-test" "$program" >"$output" 2>&1 || true
+        if grep -aq 'all tests of this program passed' "$output"; then
+            say "$(basename "$program" .exe): $(grep -a '^\[  PASSED' "$output")"
+        else
+            grep -avE '^\[( RUN  |       OK|-----)' "$output"
+            say "$(basename "$program" .exe): FAILED"
+            failed=1
+        fi
+    done
+    rm -f "$output"
+    return $failed
+}
