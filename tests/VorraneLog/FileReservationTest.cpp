@@ -47,6 +47,18 @@ TEST(FileReservation, FolderWhoseFinalPathIsNotToldCountsAsItIsSpelled) {
     EXPECT_FALSE(meetInOneFolder(folder));
 }
 
+TEST(FileReservation, FinalPathWhoseSizeAloneIsToldCountsAsNotTold) {
+    test::ScratchFolder const folder;
+    test::ImportHook<FinalPath> hook(
+        "GetFinalPathNameByHandleW",
+        [&hook](HANDLE file, LPWSTR buffer, DWORD units, DWORD flags) -> DWORD {
+            return buffer ? 0 : hook.original()(file, buffer, units, flags);
+        },
+        test::thisProgram());
+
+    EXPECT_FALSE(meetInOneFolder(folder));
+}
+
 TEST(FileReservation, FinalPathThatGrowsBetweenTwoQuestionsCountsAsNotTold) {
     test::ScratchFolder const folder;
     test::ImportHook<FinalPath> const grows(
