@@ -46,7 +46,7 @@ std::wstring claimName(std::wstring const& path) {
 Handle claim(std::wstring const& name) {
     Handle object(CreateMutexW(nullptr, FALSE, name.c_str()));
     auto const error = GetLastError();
-    return object && error != ERROR_ALREADY_EXISTS ? std::move(object) : nullptr;
+    return error != ERROR_ALREADY_EXISTS ? std::move(object) : nullptr;
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -13,6 +14,7 @@
 using testing::ElementsAre;
 using testing::EndsWith;
 using testing::HasSubstr;
+using testing::IsEmpty;
 using testing::MatchesRegex;
 using VorraneLog::LogFile;
 
@@ -305,6 +307,98 @@ TEST(LogFile, WriteThatFailsAgainIsDropped) {
     EXPECT_THAT(
         linesOf(folder.read(L"a.log")),
         ElementsAre("two", EndsWith("\tLines dropped before this one: 1"), "three"));
+}
+
+TEST(LogFile, CountGoesOnWhereItsOwnNoticeCannotBeWritten) {
+    test::ScratchFolder const folder;
+    LogFile file(folder.file(L"a.log"), {1000, 2, 0});
+    {
+        test::FailingImport<std::size_t(void const*, std::size_t, std::size_t, FILE*)> const
+            diskIsFull("fwrite", 0, 0, test::everyCall, test::thisProgram());
+        file.write("lost");
+        file.write("lost");
+    }
+
+    file.write("text");
+
+    EXPECT_THAT(
+        linesOf(folder.read(L"a.log")),
+        ElementsAre(EndsWith("\tLines dropped before this one: 2"), "text"));
+}
+
+TEST(LogFile, FileThatGoesAwayBetweenLookingAndOpeningIsTriedAgainLater) {
+    test::ScratchFolder const folder;
+    LogFile file(folder.file(L"a.log"), {1000, 2, 0});
+    {
+        test::FailingImport<decltype(_wfsopen)> const fails(
+            "_wfsopen", nullptr, 0, test::everyCall, test::thisProgram());
+        file.write("lost");
+    }
+
+    file.write("text");
+
+    EXPECT_THAT(
+        linesOf(folder.read(L"a.log")),
+        ElementsAre(EndsWith("\tLines dropped before this one: 1"), "text"));
+}
+
+TEST(LogFile, FileWhoseSizeIsNotToldIsPassedOver) {
+    test::ScratchFolder const folder;
+    LogFile file(folder.file(L"a.log"), {});
+    test::FailingImport<decltype(GetFileSizeEx)> const fails(
+        "GetFileSizeEx", FALSE, ERROR_ACCESS_DENIED, 1, test::thisProgram());
+
+    file.write("text");
+
+    EXPECT_EQ("", folder.read(L"a.log"));
+    EXPECT_THAT(folder.read(L"a-2.log"), EndsWith("\ttext\r\n"));
+}
+
+TEST(LogFile, OwnFileThatCannotBeOpenedAgainIsPassedOver) {
+    test::ScratchFolder const folder;
+    LogFile file(folder.file(L"a.log"), {});
+    file.write("one");
+    test::FailingImport<int(FILE*)> const failsToWrite("fflush", EOF, 0, 1, test::thisProgram());
+    test::FailingImport<decltype(CreateFileW)> const failsToOpen(
+        "CreateFileW", INVALID_HANDLE_VALUE, ERROR_SHARING_VIOLATION, 1, test::thisProgram());
+
+    file.write("two");
+
+    EXPECT_THAT(folder.read(L"a-2.log"), EndsWith("\ttwo\r\n"));
+}
+
+TEST(LogFile, FolderIsLookedForUpToTheStartOfThePathAndNoFurther) {
+    test::ScratchFolder const folder;
+    auto const separators = std::count(folder.path().begin(), folder.path().end(), L'\\');
+    constexpr auto separatorsOfPrefix = 3;
+    LogFile file(folder.file(L"a.log"), {});
+    test::FailingImport<decltype(CreateDirectoryW)> const fails(
+        "CreateDirectoryW", FALSE, ERROR_PATH_NOT_FOUND, test::everyCall, test::thisProgram());
+
+    file.write("text");
+
+    EXPECT_EQ(static_cast<unsigned>(separatorsOfPrefix + separators + 1), fails.calls());
+    EXPECT_THAT(folder.names(), IsEmpty());
+}
+
+TEST(LogFile, FolderThatCannotBeMadeInItsParentLosesTheLine) {
+    test::ScratchFolder const folder;
+    LogFile file(folder.file(L"one\\two\\a.log"), {});
+    test::ImportHook<decltype(CreateDirectoryW)> hook(
+        "CreateDirectoryW",
+        [&hook](LPCWSTR path, SECURITY_ATTRIBUTES* attributes) -> BOOL {
+            if (std::wstring(path).find(L"\\two") == std::wstring::npos)
+                return hook.original()(path, attributes);
+            SetLastError(ERROR_PATH_NOT_FOUND);
+            return FALSE;
+        },
+        test::thisProgram());
+
+    file.write("text");
+
+    EXPECT_EQ(3U, hook.calls());
+    EXPECT_THAT(folder.names(), ElementsAre(L"one"));
+    EXPECT_THAT(folder.names(L"one"), IsEmpty());
 }
 
 TEST(LogFile, LongLineIsCutWithoutMemoryForIt) {

@@ -99,6 +99,15 @@ TEST(LogText, BoundCutsVisiblyAndForGood) {
     EXPECT_EQ("x(cut)", cut.substr(cut.size() - 6));
 }
 
+TEST(LogText, PaddingEndsAtTheBound) {
+    LogText line;
+
+    line.appendRepeated('-', 1'000'000'000'000);
+
+    EXPECT_LE(line.view().size(), LogText::mostBytes);
+    EXPECT_EQ("-(cut)", line.view().substr(line.view().size() - 6));
+}
+
 TEST(LogText, ShortTextNeedsNoMemory) {
     EXPECT_EQ(std::string(1000, 'x'), lineWithoutMemory(std::wstring(1000, L'x')));
 }

@@ -2,6 +2,7 @@
 
 #include "tests/VorraneLog/LogLines.h"
 #include "tests/VorraneLog/PrivateMemory.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/support/Campaign.h"
 #include "tests/support/ChildAction.h"
 #include "tests/support/HandleCount.h"
@@ -139,8 +140,8 @@ INSTANTIATE_TEST_SUITE_P(
     Settings, VorraneLogLevel,
     testing::Values(
         LevelCase{L"0", 1}, LevelCase{L"3", 4}, LevelCase{L"6", 7}, LevelCase{L"7", 8},
-        LevelCase{L"", 7}, LevelCase{L"8", 7}, LevelCase{L"-1", 7}, LevelCase{L"33", 7},
-        LevelCase{L" 3", 7}, LevelCase{L"three", 7}, LevelCase{L"\u0663", 7}));
+        LevelCase{L"", 7}, LevelCase{L"/", 7}, LevelCase{L"8", 7}, LevelCase{L"-1", 7},
+        LevelCase{L"33", 7}, LevelCase{L" 3", 7}, LevelCase{L"three", 7}, LevelCase{L"\u0663", 7}));
 
 namespace {
 
@@ -567,6 +568,27 @@ test::ChildAction const logWhileLogging(L"log while logging", [](Arguments const
     return logOnce(L"outer");
 });
 
+// Two threads that log first at the same time: the second one's line comes while the first one's is
+// about to make the log.
+test::ChildAction const logFirstTwice(L"log first twice", [](Arguments const&) {
+    test::ImportHook<decltype(GetModuleHandleExW)> hook(
+        "GetModuleHandleExW",
+        [&hook](auto... arguments) {
+            if (hook.calls() == 1)
+                logOnce(L"overtaking");
+            return hook.original()(arguments...);
+        },
+        logModule());
+    return logOnce(L"overtaken");
+});
+
+test::ChildAction const logWithoutMemory(L"log without memory", [](Arguments const&) {
+    test::AllocationCounter counter(logModule());
+    counter.failAt(1);
+    logOnce(L"lost");
+    return logOnce(L"text");
+});
+
 } // namespace
 
 TEST(VorraneLog, LinesLeaveNoHandlesOpen) {
@@ -584,6 +606,21 @@ TEST(VorraneLog, ThreadKilledInTheLogDoesNotBlockTheOthers) {
     auto const texts = test::logTexts(folder.read(L"a.log"));
     EXPECT_EQ("before", texts.front());
     EXPECT_EQ(1, std::count(texts.begin(), texts.end(), "after"));
+}
+
+TEST(VorraneLog, FirstLinesAtTheSameTimeShareOneLog) {
+    test::ScratchFolder const folder;
+    ASSERT_EQ(0U, logFirstTwice.start({}, loggingTo(folder.file(L"a.log")))->exitCode());
+
+    EXPECT_THAT(test::logTexts(folder.read(L"a.log")), ElementsAre("overtaking", "overtaken"));
+    EXPECT_THAT(folder.names(), ElementsAre(L"a.log"));
+}
+
+TEST(VorraneLog, FirstLineWithoutMemoryIsDroppedAndTheNextOneIsWritten) {
+    test::ScratchFolder const folder;
+    ASSERT_EQ(0U, logWithoutMemory.start({}, loggingTo(folder.file(L"a.log")))->exitCode());
+
+    EXPECT_THAT(test::logTexts(folder.read(L"a.log")), ElementsAre("text"));
 }
 
 TEST(VorraneLog, LineLoggedWhileALineIsWrittenIsLeftOut) {

@@ -220,10 +220,10 @@ TEST_F(RegistryDumpOfRefusedKeys, SaysTheSameWhereTheFileCannotBeDeleted) {
 
 TEST_F(RegistryDumpFailure, ReadsNothingOfAValueThatFailed) {
     ToldValues const told({
-        {ERROR_MORE_DATA, L"a", REG_SZ, 0xFFFFFFFF},
-        {ERROR_MORE_DATA, L"b", REG_BINARY, 0xFFFFFFFF},
-        {ERROR_MORE_DATA, L"c", REG_MULTI_SZ, 0xFFFFFFFF},
-        {ERROR_MORE_DATA, L"d", REG_DWORD, 0xFFFFFFFF},
+        {ERROR_MORE_DATA, {L"a\0", 2}, REG_SZ, 0xFFFFFFFF},
+        {ERROR_MORE_DATA, {L"b\0", 2}, REG_BINARY, 0xFFFFFFFF},
+        {ERROR_MORE_DATA, {L"c\0", 2}, REG_MULTI_SZ, 0xFFFFFFFF},
+        {ERROR_MORE_DATA, {L"d\0", 2}, REG_DWORD, 0xFFFFFFFF},
     });
 
     EXPECT_EQ(0, dump());
@@ -287,7 +287,7 @@ TEST_F(RegistryDumpFailure, AsksADyingKeyAgainUntilItHasNoMoreValues) {
 
 TEST_F(RegistryDumpFailure, DoesNotChangeTheBaseForANumberThatFailed) {
     ToldValues const told({
-        {ERROR_MORE_DATA, L"a", REG_DWORD, 5000},
+        {ERROR_MORE_DATA, {L"a\0", 2}, REG_DWORD, 5000},
         {ERROR_SUCCESS, {L"b\0", 2}, REG_BINARY, 1},
     });
 

@@ -4,6 +4,7 @@
 
 #include "foundation/Platform.h"
 #include "tests/storage/FakeKnownFolders.h"
+#include "tests/support/AllocationCounter.h"
 #include "tests/support/HandleCount.h"
 #include "tests/support/ImportHook.h"
 #include "tests/support/LogRecorder.h"
@@ -350,6 +351,22 @@ TEST(LocalReferenceMoviesPath, NeedsNeitherShellNorComputerNameNorDisk) {
     GetLocalReferenceMoviesPath();
 
     EXPECT_EQ(0u, shell.calls() + name.calls() + makes.calls());
+}
+
+TEST_F(CommonDataFolder, PassesOnThatThereIsNoMemory) {
+    EXPECT_LT(
+        0u, test::failEachAllocation([] { GetVorraneCommonAppDataFolder(L"a subfolder\\"); }));
+    EXPECT_LT(0u, test::failEachAllocation([] { GetPFRCommonAppDataFolder(L"a subfolder\\"); }));
+
+    EXPECT_EQ(shell.calls(), shell.timesFreed());
+}
+
+TEST(ProgramFileFolder, PassesOnThatThereIsNoMemory) {
+    test::FakeKnownFolders const shell(L"X:\\a folder whose name needs memory");
+
+    EXPECT_LT(0u, test::failEachAllocation(GetProgramFileFolder));
+
+    EXPECT_EQ(shell.calls(), shell.timesFreed());
 }
 
 TEST(KnownPlaces, LeaveNoHandleOpen) {

@@ -199,6 +199,16 @@ TEST_P(AnyTempFolder, WithoutMemoryLeavesNoFolderBehind) {
     EXPECT_THAT(treeOf(m_folder), IsEmpty());
 }
 
+TEST_F(TempFolders, ThatWereThereStayWithoutMemory) {
+    m_folder.makeFolder(L"work");
+
+    EXPECT_LT(0u, test::failEachAllocation([this] {
+                  TempFolder const folder(work(), UseExisting, DeleteAlways, L"Host");
+              }));
+
+    EXPECT_THAT(treeOf(m_folder), ElementsAre(L"work\\"));
+}
+
 TEST_P(AnyTempFolder, WithoutMemoryAtItsEndDoesNotThrow) {
     for (unsigned number = 1; number <= 10; ++number) {
         auto folder = make();

@@ -1,5 +1,7 @@
 #include "tools/vrtool/SystemText.h"
 #include "foundation/Platform.h"
+#include "tests/support/ScratchFolder.h"
+#include "tests/vrtool/WorkingFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -19,10 +21,10 @@ TEST(VrtoolSystemText, IsTheNumberAloneWhereThePlatformHasNoText) {
 }
 
 TEST(VrtoolFullPath, BeginsWithTheCurrentFolder) {
-    wchar_t folder[MAX_PATH];
-    GetCurrentDirectoryW(MAX_PATH, folder);
+    test::ScratchFolder const folder;
+    test::WorkingFolder const inside(folder.path());
 
-    EXPECT_EQ(folder + std::wstring(L"\\a.reg"), fullPath(L"a.reg"));
+    EXPECT_EQ(folder.file(L"a.reg"), fullPath(L"a.reg"));
 }
 
 TEST(VrtoolFullPath, KeepsAFullName) {
