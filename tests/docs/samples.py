@@ -6,8 +6,8 @@ samples.py --self-test                   shows that each form is understood, and
 Each block is the body of one test, named after the page's NAME and the heading. It finds what
 `Sample.h` tells: `folder`, `clip` and a few functions; with --machine the product's settings are
 those of a fresh machine. Its #include lines go to the head of the source. A block with a main
-function is a program: it has to return 0, and to print what the ```text block says that follows it
-at once.
+function is a program: it has to return 0, and to print what the ```text block says that is the next
+one under its heading.
 
 What a comment promises of its statement is checked, and the statement has to be come to:
 
@@ -80,8 +80,7 @@ def blocks(text):
             found[-1].printed.append(line)
         elif fence is None:
             if HEADING.match(line):
-                heading = HEADING.match(line)[1]
-            follows = follows and not line.strip()
+                heading, follows = HEADING.match(line)[1], False
     return found
 
 
@@ -254,6 +253,7 @@ f(2); // -> 2
 int main() {
 }
 ```
+It prints
 
 ```text
 out
