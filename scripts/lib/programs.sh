@@ -1,8 +1,8 @@
 # Whole test programs, each run once. Sourced after common.sh, within a Wine session.
 
-# run_whole_programs FOLDER: every test program of the folder, one after the other, all tests of each
-# in one process: many times faster than a process for each test. What a failed program says is shown;
-# only the closing line tells that one has passed, since a crash can leave the status of a success.
+# run_whole_programs FOLDER: every test program of the folder, one after the other, all tests of
+# each in one process: much faster than a process a test. What a failed program says is shown.
+# Only the closing line tells that one has passed, since a crash can leave the status of a success.
 run_whole_programs() {
     local program output failed=0
     output=$(mktemp)
