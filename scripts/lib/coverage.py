@@ -130,7 +130,7 @@ def never_run(root, tallies):
 
 
 def never_taken(root, tallies):
-    """(file, text of the line, its number, how many branches) where some were taken, but not all."""
+    """(file, text of the line, its number, how many branches) where not all were taken."""
     for name in sorted(name for name in tallies if name.split("/")[0] in FOLDERS):
         missing = collections.Counter(
             number for (number, _), count in tallies[name].branches.items() if not count
@@ -148,7 +148,8 @@ def main():
     unreached = list(never_run(root, counted))
     print(table(rows))
     for name, text, number in unreached:
-        print(f"{name}:{number}: never run: {text}\n    {known.get((name, text), 'no reason is known')}")
+        reason = known.get((name, text), "no reason is known")
+        print(f"{name}:{number}: never run: {text}\n    {reason}")
     for name, text, number, missing in never_taken(root, counted):
         print(f"{name}:{number}: branches never taken: {missing}: {text}")
     if "--complete" not in sys.argv[3:]:
