@@ -1,6 +1,7 @@
+#include "vrUtils/Path.h"
+
 #include "foundation/PortNumber.h"
 #include "foundation/Text.h"
-#include "vrUtils/Path.h"
 
 #include <algorithm>
 
