@@ -7,11 +7,9 @@
 #include "tests/support/ImportHook.h"
 #include "tests/support/LogRecorder.h"
 #include "tests/support/ScratchFolder.h"
-#include "tests/support/WideText.h"
 
 #include <gmock/gmock.h>
 
-#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <ostream>

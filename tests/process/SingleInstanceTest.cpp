@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <new>
 #include <optional>
 #include <stdexcept>
 #include <string>
