@@ -1,6 +1,8 @@
 #include "config/DumpFile.h"
 
 #include <algorithm>
+#include <iterator>
+
 #include <share.h>
 
 namespace vrUtils::Registry {

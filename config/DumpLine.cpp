@@ -1,5 +1,7 @@
 #include "config/DumpLine.h"
 
+#include "foundation/Text.h"
+
 #include <algorithm>
 
 namespace vrUtils::Registry {
@@ -9,15 +11,7 @@ namespace {
 // The longer words first: the second stands in the first.
 constexpr wchar_t const* typeWords[] = {L"hex(7)", L"hex", L"dword"};
 
-unsigned hexDigit(wchar_t character) {
-    if (character >= L'0' && character <= L'9')
-        return character - L'0';
-    if (character >= L'a' && character <= L'f')
-        return character - L'a' + 10u;
-    if (character >= L'A' && character <= L'F')
-        return character - L'A' + 10u;
-    return 0;
-}
+int digitOrZero(wchar_t character) { return std::max(Strings::hexDigit(character), 0); }
 
 } // namespace
 
@@ -49,9 +43,9 @@ std::vector<unsigned char> decodeHex(std::wstring const& text) {
     std::vector<unsigned char> bytes;
     bytes.reserve(text.size() / charactersForEach + 1);
     for (std::size_t position = 0; position < text.size(); position += charactersForEach) {
-        auto const high = hexDigit(text[position]);
-        auto const low = hexDigit(text.at(position + 1));
-        bytes.push_back(static_cast<unsigned char>(high << 4 | low));
+        auto const high = digitOrZero(text[position]);
+        auto const low = digitOrZero(text.at(position + 1));
+        bytes.push_back(static_cast<unsigned char>(high * 16 + low));
     }
     return bytes;
 }

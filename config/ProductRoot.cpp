@@ -6,7 +6,7 @@
 #include <aclapi.h>
 
 #include <array>
-#include <cstdio>
+#include <cwchar>
 #include <memory>
 #include <string_view>
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <charconv>
 #include <cstring>
-#include <string_view>
 
 namespace vrUtils::Registry {
 

@@ -3,6 +3,7 @@
 #include "config/TypedValues.h"
 
 #include <cwchar>
+#include <vector>
 
 namespace vrUtils::Registry {
 

@@ -1,8 +1,8 @@
-#include "vrUtils/Files/FileHandle.h"
 #include "vrUtils/Files/FileQueries.h"
 
 #include "foundation/Message.h"
 #include "foundation/Platform.h"
+#include "vrUtils/Files/FileHandle.h"
 #include "vrUtils/vrException.h"
 
 namespace vrUtils::Files {

@@ -3,6 +3,7 @@
 
 #include "vrUtils/Path.h"
 
+#include <ios>
 #include <locale>
 #include <sstream>
 #include <string>

@@ -1,5 +1,6 @@
-#include "foundation/Text.h"
 #include "vrUtils/Path.h"
+
+#include "foundation/Text.h"
 
 #include <algorithm>
 #include <functional>

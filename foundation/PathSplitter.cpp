@@ -1,6 +1,7 @@
+#include "vrUtils/Path.h"
+
 #include "foundation/PortNumber.h"
 #include "foundation/Text.h"
-#include "vrUtils/Path.h"
 
 #include <algorithm>
 
@@ -38,6 +39,11 @@ std::size_t findSlash(std::wstring_view text) {
 
 bool isSlashPair(std::wstring_view text) {
     return text.size() >= 2 && isSlash(text[0]) && isSlash(text[1]);
+}
+
+// The pieces of a root between its colons.
+std::list<std::wstring> hostAndPort(std::wstring const& root) {
+    return splitOnChar(trimSlashes(root), L':');
 }
 
 wchar_t* copyTo(wchar_t* out, std::wstring_view text) {
@@ -198,13 +204,13 @@ std::wstring PathSplitter::fullName() const {
 }
 
 std::wstring PathSplitter::host() const {
-    auto const hostAndPort = splitOnChar(trimSlashes(root()), L':');
-    return hostAndPort.empty() ? root() : L"\\\\" + hostAndPort.front() + L"\\";
+    auto const pieces = hostAndPort(root());
+    return pieces.empty() ? root() : L"\\\\" + pieces.front() + L"\\";
 }
 
 std::uint32_t PathSplitter::port() const {
-    auto const hostAndPort = splitOnChar(trimSlashes(root()), L':');
-    return hostAndPort.size() == 2 ? vrUtils::portNumber(hostAndPort.back(), 0) : 0;
+    auto const pieces = hostAndPort(root());
+    return pieces.size() == 2 ? vrUtils::portNumber(pieces.back(), 0) : 0;
 }
 
 std::wstring PathSplitter::firstFolder() const {

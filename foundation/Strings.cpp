@@ -1,6 +1,7 @@
 #include "vrUtils/Strings.h"
 
 #include "foundation/FailureCodes.h"
+#include "foundation/Text.h"
 #include "vrUtils/vrException.h"
 
 #include <algorithm>
@@ -15,21 +16,11 @@ constexpr auto isLineBreak = [](wchar_t character) {
     return character == L'\r' || character == L'\n';
 };
 
-int hexDigit(char character) {
-    if (character >= '0' && character <= '9')
-        return character - '0';
-    if (character >= 'a' && character <= 'f')
-        return character - 'a' + 10;
-    if (character >= 'A' && character <= 'F')
-        return character - 'A' + 10;
-    return -1;
-}
-
 // The pair is not validated: the runtime's reading of whatever stands there is what counts. Two
 // proper digits, which is what nearly every URL holds, need no call.
 char byteOfPair(char first, char second) {
-    int const high = hexDigit(first);
-    int const low = hexDigit(second);
+    auto const high = hexDigit(first);
+    auto const low = hexDigit(second);
     if (high >= 0 && low >= 0)
         return static_cast<char>(high * 16 + low);
     char const pair[] = {first, second, '\0'};

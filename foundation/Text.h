@@ -14,6 +14,18 @@ inline constexpr std::wstring_view slashes = L"\\/";
 
 inline bool isSlash(wchar_t character) { return character == L'\\' || character == L'/'; }
 
+// The value of a hexadecimal digit; -1 for any other character.
+template <typename Character>
+constexpr int hexDigit(Character character) {
+    if (character >= '0' && character <= '9')
+        return character - '0';
+    if (character >= 'a' && character <= 'f')
+        return character - 'a' + 10;
+    if (character >= 'A' && character <= 'F')
+        return character - 'A' + 10;
+    return -1;
+}
+
 // The text without the characters of the set at both its ends.
 std::wstring trim(std::wstring const& text, std::wstring_view set = whiteSpace);
 

@@ -1,8 +1,8 @@
-#include "foundation/Platform.h"
 #include "vrUtils/TcpComms.h"
 
 #include "foundation/FailureCodes.h"
 #include "foundation/Message.h"
+#include "foundation/Platform.h"
 #include "foundation/Text.h"
 
 #include <winsock2.h>

@@ -67,9 +67,8 @@ std::int32_t ExternalProcessImplementation::reportExit(PROCESS_INFORMATION const
 
 std::int32_t ExternalProcessImplementation::reportTimeout() const {
     // Even without a module: somebody must learn that a program runs on unwatched.
-    VL_WriteLog(
-        LogLevel::failure, m_logModule.c_str(),
-        composeMessage(L"Process \"", m_name, L"\" timed out").c_str());
+    logComposed(
+        LogLevel::failure, m_logModule, composeMessage(L"Process \"", m_name, L"\" timed out"));
     return ExternalProcessTimedOut;
 }
 
@@ -84,7 +83,7 @@ void ExternalProcessImplementation::logStart() const {
 
 void ExternalProcessImplementation::log(char level, std::wstring const& text) const {
     if (!m_logModule.empty())
-        VL_WriteLog(level, m_logModule.c_str(), text.c_str());
+        logComposed(level, m_logModule, text);
 }
 
 std::wstring ExternalProcessImplementation::environmentBlock() const {

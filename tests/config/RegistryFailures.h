@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include <string>
+#include <cstdint>
 
 namespace test {
 

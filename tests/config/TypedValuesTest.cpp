@@ -40,6 +40,34 @@ answering(LSTATUS status, DWORD type, Bytes const& bytes) {
         }};
 }
 
+// What the platform is asked for.
+class Inquiry {
+  public:
+    // Whether there was one, for the value of this key, with room for so many bytes.
+    void expectOne(RegistryKey const& key, DWORD room) const {
+        EXPECT_EQ(1u, m_hook.calls());
+        EXPECT_EQ(key.get(), m_key);
+        EXPECT_EQ(name, m_name);
+        EXPECT_EQ(nullptr, m_reserved);
+        EXPECT_EQ(room, m_room);
+    }
+
+  private:
+    HKEY m_key = nullptr;
+    std::wstring m_name;
+    DWORD* m_reserved = nullptr;
+    DWORD m_room = 0;
+    test::ImportHook<decltype(RegQueryValueExW)> const m_hook{
+        "RegQueryValueExW",
+        [this](HKEY key, LPCWSTR value, DWORD* reserved, DWORD* type, BYTE* data, DWORD* length) {
+            m_key = key;
+            m_name = value;
+            m_reserved = reserved;
+            m_room = *length;
+            return m_hook.original()(key, value, reserved, type, data, length);
+        }};
+};
+
 class TypedValues : public testing::Test {
   protected:
     TypedValues() {
@@ -122,24 +150,11 @@ TEST_F(NumberReading, EveryErrorReadsAsMissing) {
 }
 
 TEST_F(NumberReading, AsksOnceForFourBytes) {
-    std::wstring asked;
-    DWORD room = 0;
-    bool plain = false;
-    test::ImportHook<decltype(RegQueryValueExW)> const hook(
-        "RegQueryValueExW",
-        [&](HKEY key, LPCWSTR value, DWORD* reserved, DWORD* type, BYTE* data, DWORD* length) {
-            asked = value;
-            room = *length;
-            plain = key == m_key.get() && !reserved;
-            return hook.original()(key, value, reserved, type, data, length);
-        });
+    Inquiry const inquiry;
 
     number();
 
-    EXPECT_EQ(1u, hook.calls());
-    EXPECT_EQ(name, asked);
-    EXPECT_EQ(4u, room);
-    EXPECT_TRUE(plain);
+    inquiry.expectOne(m_key, 4u);
 }
 
 TEST_F(NumberReading, KeyThatIsGoneHasNoValues) {
@@ -255,24 +270,11 @@ TEST_F(TextReading, EveryErrorReadsAsMissing) {
 }
 
 TEST_F(TextReading, AsksOnceFor4096Bytes) {
-    std::wstring asked;
-    DWORD room = 0;
-    bool plain = false;
-    test::ImportHook<decltype(RegQueryValueExW)> const hook(
-        "RegQueryValueExW",
-        [&](HKEY key, LPCWSTR value, DWORD* reserved, DWORD* type, BYTE* data, DWORD* length) {
-            asked = value;
-            room = *length;
-            plain = key == m_key.get() && !reserved;
-            return hook.original()(key, value, reserved, type, data, length);
-        });
+    Inquiry const inquiry;
 
     text();
 
-    EXPECT_EQ(1u, hook.calls());
-    EXPECT_EQ(name, asked);
-    EXPECT_EQ(4096u, room);
-    EXPECT_TRUE(plain);
+    inquiry.expectOne(m_key, 4096u);
 }
 
 TEST_F(TypedValues, EachReadTellsItsOwnLine) {

@@ -12,6 +12,7 @@
 
 #include "foundation/Platform.h"
 #include "tests/support/ImportHook.h"
+#include "vrUtils/Files/UncToLocalPath.h"
 
 #include <lm.h>
 #include <winnetwk.h>
@@ -279,6 +280,14 @@ class Drives {
             return connect(resource, password, user, flags);
         }};
 };
+
+// Makes the first resolution of this process, on a machine with neither settings nor drives.
+inline void resolveOnceWithoutDrives() {
+    FailingImport<decltype(RegCreateKeyExW)> const noKey(
+        "RegCreateKeyExW", ERROR_ACCESS_DENIED, ERROR_SUCCESS);
+    Drives const noDrives{};
+    vrUtils::Files::uncToLocalPath({});
+}
 
 } // namespace test
 

@@ -2,6 +2,7 @@
 
 #include "foundation/Platform.h"
 #include "tests/files/FailsWith.h"
+#include "tests/files/HostileName.h"
 #include "tests/support/HandleCount.h"
 #include "tests/support/ScratchFolder.h"
 
@@ -13,15 +14,6 @@
 using namespace vrUtils::Files;
 
 namespace {
-
-struct HostileName {
-    char const* label;
-    std::wstring name;
-
-    friend std::ostream& operator<<(std::ostream& stream, HostileName const& hostile) {
-        return stream << hostile.label;
-    }
-};
 
 std::vector<HostileName> hostileNames() {
     return {

@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-
 using vrUtils::Files::withEscapes;
 using vrUtils::Files::withoutIllegalCharacters;
 

@@ -3,7 +3,6 @@
 
 #include "tests/files/LockFiles.h"
 
-#include <new>
 #include <optional>
 
 using namespace vrUtils::Files;

@@ -1,3 +1,4 @@
+#include "tests/files/HostileName.h"
 #include "tests/files/LockFiles.h"
 #include "tests/files/Outsider.h"
 #include "tests/support/HandleCount.h"
@@ -272,15 +273,6 @@ TEST_P(LockFileNames, AreThoseOfFiles) {
 }
 
 namespace {
-
-struct HostileName {
-    char const* label;
-    std::wstring name;
-
-    friend std::ostream& operator<<(std::ostream& stream, HostileName const& hostile) {
-        return stream << hostile.label;
-    }
-};
 
 class HostileLockNames : public LockFiles, public testing::WithParamInterface<HostileName> {};
 

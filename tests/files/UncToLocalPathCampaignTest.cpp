@@ -27,12 +27,7 @@ namespace {
 
 class UncToLocalPathCampaign : public testing::Test {
   protected:
-    static void SetUpTestSuite() {
-        test::FailingImport<decltype(RegCreateKeyExW)> const noKey(
-            "RegCreateKeyExW", ERROR_ACCESS_DENIED, ERROR_SUCCESS);
-        test::Drives const noDrives{};
-        uncToLocalPath({});
-    }
+    static void SetUpTestSuite() { test::resolveOnceWithoutDrives(); }
 };
 
 // What is below the share, folders and name apart.

@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <memory>
 #include <sstream>
 #include <string>
 #include <thread>

@@ -27,12 +27,7 @@ namespace {
 class UncToLocalPath : public testing::Test {
   protected:
     // The first call has its own tests.
-    static void SetUpTestSuite() {
-        test::FailingImport<decltype(RegCreateKeyExW)> const noKey(
-            "RegCreateKeyExW", ERROR_ACCESS_DENIED, ERROR_SUCCESS);
-        test::Drives const noDrives{};
-        uncToLocalPath({});
-    }
+    static void SetUpTestSuite() { test::resolveOnceWithoutDrives(); }
 
     // The name of this test's share, in lower case.
     static std::wstring share() {

@@ -16,6 +16,14 @@ TEST(LogComposed, WritesUnderTheNameOfTheLibrary) {
     EXPECT_THAT(recorder.lines(), ElementsAre(test::Logged(7, L"Locking file [C:\\a.txt]")));
 }
 
+TEST(LogComposed, WritesUnderANameOfTheCallers) {
+    test::LogRecorder const recorder;
+
+    logComposed(vrUtils::LogLevel::information, L"PFC HTML", L"50%% %d");
+
+    EXPECT_THAT(recorder.lines(), ElementsAre(test::LoggedFormat(6, L"50%% %d", L"PFC HTML")));
+}
+
 TEST(LogComposed, TextIsTheFormat) {
     test::LogRecorder const recorder;
 

@@ -92,7 +92,7 @@ TEST(PathAppendFolder, AppendsTheFolderWithItsSlashes) {
 
     EXPECT_TRUE(path.AppendFolderIfNotPresent(L"/day/"));
 
-    EXPECT_EQ(L"day\\", path.components().folders().back() + L"\\");
+    EXPECT_EQ(L"day", path.components().folders().back());
     EXPECT_EQ(LR"(C:\Media\day\)", path.str());
 }
 

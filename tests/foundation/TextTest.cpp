@@ -83,6 +83,21 @@ TEST(IsSlash, KnowsBothKinds) {
     EXPECT_FALSE(isSlash(L'\0'));
 }
 
+TEST(HexDigit, GivesTheValueInBothCases) {
+    for (int value = 0; value < 16; ++value) {
+        EXPECT_EQ(value, hexDigit("0123456789abcdef"[value]));
+        EXPECT_EQ(value, hexDigit(L"0123456789ABCDEF"[value]));
+    }
+}
+
+TEST(HexDigit, AnyOtherCharacterHasNone) {
+    for (auto const character : {'/', ':', '@', 'G', '`', 'g', ' ', '\0', '\xB1'})
+        EXPECT_EQ(-1, hexDigit(character)) << testing::PrintToString(character);
+    // Digits of other scripts, and characters whose low byte is a digit's.
+    for (auto const character : {L'\u0661', L'\uFF11', L'\u0131', L'\u0141'})
+        EXPECT_EQ(-1, hexDigit(character)) << testing::PrintToString(character);
+}
+
 // --- case -----------------------------------------------------------------------------------------
 
 TEST(ToLower, LowersLatinLetters) { EXPECT_EQ(L"abc[xyz]@{", toLower(L"ABC[XYZ]@{")); }

@@ -8,7 +8,6 @@
 #include "tests/support/ImportHook.h"
 #include "vrUtils/TcpComms.h"
 
-#include <cstddef>
 #include <vector>
 
 namespace test {

@@ -5,8 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include <cstdint>
-#include <string>
+#include <ios>
 
 // Whether the call throws the failure of a socket with this message and this code:
 //

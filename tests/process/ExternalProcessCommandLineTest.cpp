@@ -4,7 +4,6 @@
 
 #include <string>
 #include <type_traits>
-#include <vector>
 
 using vrUtils::Process::ExternalProcess;
 

@@ -11,7 +11,6 @@
 
 #include "tests/support/ImportHook.h"
 
-#include <cstdint>
 #include <deque>
 #include <optional>
 #include <string>

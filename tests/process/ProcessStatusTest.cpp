@@ -5,13 +5,16 @@
 #include "tests/support/AllocationCounter.h"
 #include "tests/support/ChildAction.h"
 #include "tests/support/ImportHook.h"
+#include "tests/support/OwnedHandle.h"
 #include "tests/support/WideText.h"
 
 #include <gmock/gmock.h>
 
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <future>
+#include <new>
 #include <string>
 #include <thread>
 #include <vector>
@@ -147,8 +150,6 @@ TEST(ProcessStatus, ReadersDoNotWaitForAWriter) {
 }
 
 TEST(ProcessStatus, WritersWaitForOneAnother) {
-    // The lock takes memory of its own when it is first used.
-    ProcessStatus::status(L"before");
     std::future<void> second;
     {
         StoppedWriter const writer;

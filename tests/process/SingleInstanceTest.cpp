@@ -13,7 +13,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <new>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -388,56 +387,51 @@ TEST_F(SecondInstance, LeavesAWindowWhoseExecutableIsNotTold) {
     EXPECT_THAT(raises.calls(), ElementsAre());
 }
 
-TEST_F(SecondInstance, ComparesExecutablesWithCase) {
+namespace {
+
+struct Comparison {
+    char const* situation;
+    ModuleName theirs;
+    ModuleName ours;
+    bool raises;
+};
+
+void PrintTo(Comparison const& comparison, std::ostream* stream) {
+    *stream << comparison.situation;
+}
+
+class ExecutableOfTheWindow : public SecondInstance,
+                              public testing::WithParamInterface<Comparison> {};
+
+} // namespace
+
+TEST_P(ExecutableOfTheWindow, DecidesWhetherItIsRaised) {
     Window const window(m_name);
-    Executables const executables(ModuleName(L"C:\\A.exe"), ModuleName(L"C:\\a.exe"));
+    Executables const executables(GetParam().theirs, GetParam().ours);
     Raises const raises;
 
     EXPECT_TRUE(m_instance.isAnotherRunning(m_name));
 
-    EXPECT_THAT(raises.calls(), ElementsAre());
+    if (GetParam().raises)
+        EXPECT_THAT(raises.calls(), raised(window));
+    else
+        EXPECT_THAT(raises.calls(), ElementsAre());
 }
 
-TEST_F(SecondInstance, ComparesExecutablesByTheLengthsReported) {
-    Window const window(m_name);
-    Executables const executables(ModuleName(L"C:\\a.exe", 4), ModuleName(L"C:\\a.exe"));
-    Raises const raises;
-
-    EXPECT_TRUE(m_instance.isAnotherRunning(m_name));
-
-    EXPECT_THAT(raises.calls(), ElementsAre());
-}
-
-TEST_F(SecondInstance, TakesEqualBeginningsOfEqualLengthForOneExecutable) {
-    Window const window(m_name);
-    Executables const executables(ModuleName(L"C:\\b.exe", 3), ModuleName(L"C:\\a.exe", 3));
-    Raises const raises;
-
-    EXPECT_TRUE(m_instance.isAnotherRunning(m_name));
-
-    EXPECT_THAT(raises.calls(), raised(window));
-}
-
-// Two names that could not be told are two empty texts.
-TEST_F(SecondInstance, RaisesTheWindowIfNeitherExecutableIsTold) {
-    Window const window(m_name);
-    Executables const executables(ModuleName(L""), ModuleName(L""));
-    Raises const raises;
-
-    EXPECT_TRUE(m_instance.isAnotherRunning(m_name));
-
-    EXPECT_THAT(raises.calls(), raised(window));
-}
-
-TEST_F(SecondInstance, LeavesTheWindowIfOnlyItsOwnExecutableIsNotTold) {
-    Window const window(m_name);
-    Executables const executables(ModuleName(L"C:\\a.exe"), ModuleName(L""));
-    Raises const raises;
-
-    EXPECT_TRUE(m_instance.isAnotherRunning(m_name));
-
-    EXPECT_THAT(raises.calls(), ElementsAre());
-}
+// A name that could not be told is an empty text.
+INSTANTIATE_TEST_SUITE_P(
+    , ExecutableOfTheWindow,
+    testing::Values(
+        Comparison{"DiffersInCase", ModuleName(L"C:\\A.exe"), ModuleName(L"C:\\a.exe"), false},
+        Comparison{
+            "DiffersInTheLengthReported", ModuleName(L"C:\\a.exe", 4), ModuleName(L"C:\\a.exe"),
+            false},
+        Comparison{
+            "IsEqualUpToTheLengthReported", ModuleName(L"C:\\b.exe", 3),
+            ModuleName(L"C:\\a.exe", 3), true},
+        Comparison{"IsNotToldAsTheOwnIsNot", ModuleName(L""), ModuleName(L""), true},
+        Comparison{"IsToldAsTheOwnIsNot", ModuleName(L"C:\\a.exe"), ModuleName(L""), false}),
+    [](auto const& row) { return std::string(row.param.situation); });
 
 TEST_F(SecondInstance, AsksForBothExecutablesInOneBuffer) {
     Window const window(m_name);
