@@ -1,7 +1,7 @@
 #include "VorraneLog/FileReservation.h"
 
 #include <cstdint>
-#include <iterator>
+#include <utility>
 
 #include <fmt/format.h>
 #include <fmt/xchar.h>

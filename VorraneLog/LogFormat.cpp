@@ -34,8 +34,8 @@ class DirectiveReader {
   public:
     explicit DirectiveReader(std::wstring_view text) : m_text(text) {}
 
-    // Nothing if the directive is not one that is understood; consumed() then ends before the
-    // character that made it so.
+    // Nothing if the directive is not one that is understood; rest() then begins with the character
+    // that made it so.
     std::optional<Directive> read() {
         Directive directive;
         while (readFlag(directive)) {

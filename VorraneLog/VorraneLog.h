@@ -23,8 +23,8 @@
 /// - `VORRANELOG_FILE`: full path of the file. Missing folders are made.
 ///
 /// **Formats** follow the printf rules for wide strings. Understood are `d i u x X c s %`, the
-/// flags
-/// `- + # 0` and blank, width, precision, and the lengths `h l ll I64` (on `c` and `s` only `l`).
+/// flags `- + # 0` and blank, width, precision, and the lengths `h l ll I64` (on `c` and `s` only
+/// `l`).
 /// `%s` and `%c` are wide. Whatever else follows a percent sign is copied as it stands and takes no
 /// value, `*`, `%n`, `%S`, `%hs` and `%f` among it.
 ///

@@ -30,7 +30,7 @@ int main() {
         return 1;
     try {
         std::wstring name;
-        vrUtils::Files::GenerateTempFilename(name);
+        Files::GenerateTempFilename(name);
         auto const wanted = std::filesystem::temp_directory_path() / name / L"";
         Storage::TempFolder const work(
             vr::Path::folder(wanted.wstring()), Storage::NewNameIfExists, Storage::DeleteAlways,

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <iostream>
+#include <stdexcept>
 #include <string>
 
 #include <windows.h>

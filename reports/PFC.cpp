@@ -5,7 +5,6 @@
 #include "vrUtils/Storage/Directories.h"
 
 #include <array>
-#include <string_view>
 
 namespace vrUtils::PFC {
 

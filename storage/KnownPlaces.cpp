@@ -31,9 +31,10 @@ struct FreeTaskMemory {
 vr::Path getKnownFolder(KNOWNFOLDERID const& id) {
     wchar_t* text = nullptr;
     auto const result = SHGetKnownFolderPath(id, 0, nullptr, &text);
+    auto const error = GetLastError();
     std::unique_ptr<wchar_t, FreeTaskMemory> const owner(text);
     if (FAILED(result))
-        throw vrStorageException(GetLastError(), L"Unable to get folder path");
+        throw vrStorageException(error, L"Unable to get folder path");
     return {text, vr::Path::eDetect};
 }
 

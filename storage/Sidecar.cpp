@@ -3,7 +3,6 @@
 #include "foundation/Handle.h"
 #include "foundation/Log.h"
 #include "foundation/Platform.h"
-#include "foundation/Text.h"
 #include "storage/MatchingStack.h"
 
 #include <optional>

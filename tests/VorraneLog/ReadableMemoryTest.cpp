@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <string>
 
 using VorraneLog::ProvenText;
 using VorraneLog::provenText;

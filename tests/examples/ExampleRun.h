@@ -2,7 +2,6 @@
 #define TESTS_EXAMPLES_EXAMPLERUN_H
 
 #include <cstdint>
-#include <map>
 #include <ostream>
 #include <string>
 #include <vector>

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <optional>
 #include <thread>
 #include <type_traits>
 #include <variant>

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <map>
-#include <type_traits>
 
 using vrUtils::Servers::getArchiveSupport;
 using vrUtils::Servers::isCombiningArchive;

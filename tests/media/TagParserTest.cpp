@@ -7,7 +7,6 @@
 #include <gmock/gmock.h>
 
 #include <cstring>
-#include <memory>
 #include <type_traits>
 
 using test::Bytes;

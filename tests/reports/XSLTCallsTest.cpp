@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <initializer_list>
-#include <limits>
 #include <new>
 #include <ostream>
 #include <string>

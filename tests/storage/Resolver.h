@@ -16,7 +16,6 @@
 
 #include "tests/support/ImportHook.h"
 
-#include <algorithm>
 #include <functional>
 #include <initializer_list>
 #include <list>

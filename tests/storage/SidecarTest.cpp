@@ -10,7 +10,6 @@
 
 #include <ostream>
 #include <string>
-#include <vector>
 
 using test::Logged;
 using testing::ElementsAre;

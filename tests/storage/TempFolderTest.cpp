@@ -18,7 +18,6 @@
 #include <stdexcept>
 #include <string>
 #include <type_traits>
-#include <vector>
 
 using namespace vrUtils::Storage;
 using test::FailingImport;

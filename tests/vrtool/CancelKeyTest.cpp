@@ -8,6 +8,26 @@
 #include <optional>
 #include <system_error>
 
+namespace {
+
+// The handler that the console is not told of, to be called in its place.
+class CaughtHandler {
+  public:
+    bool operator()(DWORD event) const { return m_handler(event) != FALSE; }
+
+  private:
+    PHANDLER_ROUTINE m_handler = nullptr;
+    test::ImportHook<decltype(SetConsoleCtrlHandler)> const m_hook{
+        "SetConsoleCtrlHandler",
+        [this](PHANDLER_ROUTINE handler, BOOL) -> BOOL {
+            m_handler = handler;
+            return TRUE;
+        },
+        test::thisProgram()};
+};
+
+} // namespace
+
 TEST(VrtoolCancelKey, IsKeptWhenItIsPressed) {
     test::KeyConsole const console;
     CancelKey const key;
@@ -40,14 +60,7 @@ TEST(VrtoolCancelKey, GoesItsUsualWayBehindTheObject) {
 }
 
 TEST(VrtoolCancelKey, IsBreakTooAndNothingElse) {
-    PHANDLER_ROUTINE handler = nullptr;
-    test::ImportHook<decltype(SetConsoleCtrlHandler)> const hook(
-        "SetConsoleCtrlHandler",
-        [&](PHANDLER_ROUTINE routine, BOOL) -> BOOL {
-            handler = routine;
-            return TRUE;
-        },
-        test::thisProgram());
+    CaughtHandler const handler;
     CancelKey const key;
 
     EXPECT_FALSE(handler(CTRL_CLOSE_EVENT));
@@ -58,14 +71,7 @@ TEST(VrtoolCancelKey, IsBreakTooAndNothingElse) {
 }
 
 TEST(VrtoolCancelKey, ThatIsLateIsNobodys) {
-    PHANDLER_ROUTINE handler = nullptr;
-    test::ImportHook<decltype(SetConsoleCtrlHandler)> const hook(
-        "SetConsoleCtrlHandler",
-        [&](PHANDLER_ROUTINE routine, BOOL) -> BOOL {
-            handler = routine;
-            return TRUE;
-        },
-        test::thisProgram());
+    CaughtHandler const handler;
     { CancelKey const key; }
 
     EXPECT_FALSE(handler(CTRL_C_EVENT));

@@ -90,7 +90,7 @@ TEST(FolderWalk, KeepsWhatItHasFoundBeforeAListingBreaksOff) {
     auto const files = filesBelow(vr::Path::folder(folder.path()));
 
     ASSERT_EQ(2u, files.size());
-    EXPECT_EQ(L"FindFirstFile failed on \"" + folder.path() + L"\" - error 64", files[0].failure);
+    EXPECT_EQ(L"FindNextFile failed on \"" + folder.path() + L"\" - error 64", files[0].failure);
     EXPECT_EQ(L"a.wav", files[1].path.components().fullName());
     EXPECT_EQ(L"", files[1].failure);
 }
@@ -100,6 +100,17 @@ TEST(FolderWalk, TakesTheRootOfAnEmptyDriveForEmpty) {
         "FindFirstFileExW", INVALID_HANDLE_VALUE, ERROR_FILE_NOT_FOUND, 1, test::thisProgram());
 
     EXPECT_THAT(filesBelow(vr::Path::folder(L"C:\\")), IsEmpty());
+}
+
+TEST(FolderWalk, ClosesNoSearchThatDidNotOpen) {
+    test::FailingImport<decltype(FindFirstFileExW)> const fails(
+        "FindFirstFileExW", INVALID_HANDLE_VALUE, ERROR_ACCESS_DENIED, 1, test::thisProgram());
+    test::ImportHook<decltype(FindClose)> const closes(
+        "FindClose", [](HANDLE) -> BOOL { return TRUE; }, test::thisProgram());
+
+    filesBelow(vr::Path::folder(L"C:\\"));
+
+    EXPECT_EQ(0u, closes.calls());
 }
 
 TEST(FolderWalk, DoesNotFollowFoldersThatAreLinks) {

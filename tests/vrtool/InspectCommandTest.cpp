@@ -7,6 +7,7 @@
 #include "tests/support/WideText.h"
 #include "tests/vrtool/ToolRun.h"
 #include "tests/vrtool/WorkingFolder.h"
+#include "tools/vrtool/SystemText.h"
 
 #include <gmock/gmock.h>
 
@@ -259,7 +260,8 @@ TEST_F(VrtoolInspect, GivesTheErrorOfAPathThatCannotBeReached) {
     auto const run = test::runTool({L"inspect", folder.file(L"*.wav")});
 
     EXPECT_EQ(
-        "vrtool: cannot reach \"" + test::utf8(folder.file(L"*.wav")) + "\": error 123\n",
+        "vrtool: cannot reach \"" + test::utf8(folder.file(L"*.wav")) +
+            "\": " + test::utf8(systemText(ERROR_INVALID_NAME)) + '\n',
         run.error);
     EXPECT_EQ(1u, run.exitCode);
 }

@@ -118,6 +118,7 @@ TEST_F(VrtoolSettingsCommand, ListsEverySettingInTheTable) {
 TEST_F(VrtoolSettingsCommand, FitsATerminalOfEightyColumns) {
     auto const run = test::runTool({L"settings", L"--width", L"79"});
 
+    ASSERT_FALSE(run.lines().empty());
     for (auto const& line : run.lines())
         EXPECT_LE(line.size(), 79u) << line;
 }

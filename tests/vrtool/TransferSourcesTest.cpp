@@ -6,8 +6,6 @@
 
 #include <gmock/gmock.h>
 
-#include <cerrno>
-
 using testing::ElementsAre;
 using testing::IsEmpty;
 

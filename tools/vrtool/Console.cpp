@@ -4,7 +4,6 @@
 #include "tools/vrtool/Utf8.h"
 
 #include <algorithm>
-#include <string>
 #include <system_error>
 
 namespace {

@@ -1,5 +1,6 @@
 #include "tools/vrtool/DiskCommand.h"
 
+#include "tools/vrtool/ClosedFolder.h"
 #include "tools/vrtool/CommandLine.h"
 #include "tools/vrtool/Console.h"
 #include "tools/vrtool/ExitCodes.h"
@@ -84,8 +85,7 @@ void DiskCommand::declare(CLI::App& arguments) {
 }
 
 int DiskCommand::run(Console& console) const {
-    auto target = vr::Path::folder(CommandLine::textOf(*m_target));
-    target.modify(vr::Path::eFolder).append(L"\\");
+    auto const target = closedFolder(CommandLine::textOf(*m_target));
     auto const server = diskServerOf(target);
     if (!server) {
         console.error("vrtool: TARGET: a folder has at most 259 characters\n");

@@ -1,9 +1,8 @@
 #include "tools/vrtool/FolderWalk.h"
 
-#include "tools/vrtool/Platform.h"
+#include "tools/vrtool/OwnedHandle.h"
 
 #include <algorithm>
-#include <memory>
 
 namespace {
 
@@ -16,12 +15,6 @@ struct Listing {
     std::vector<Entry> entries;
     std::wstring failure;
 };
-
-struct FindHandleCloser {
-    using pointer = HANDLE;
-    void operator()(HANDLE search) const { FindClose(search); }
-};
-using FindHandle = std::unique_ptr<HANDLE, FindHandleCloser>;
 
 // A file system that does not tell the kind of its reparse points has no others than links.
 bool isLink(WIN32_FIND_DATAW const& found) {
@@ -51,22 +44,22 @@ vr::Path inside(vr::Path const& folder, std::wstring const& name, vr::Path::eTyp
     return path;
 }
 
-std::wstring failedListing(vr::Path const& folder, DWORD error) {
-    return L"FindFirstFile failed on \"" + folder.components().wholePath() + L"\" - error " +
+std::wstring failureOf(std::wstring const& call, vr::Path const& folder, DWORD error) {
+    return call + L" failed on \"" + folder.components().wholePath() + L"\" - error " +
            std::to_wstring(error);
 }
 
 Listing list(vr::Path const& folder) {
     Listing listing;
     WIN32_FIND_DATAW found;
-    FindHandle const search(FindFirstFileExW(
+    OwnedSearch const search(FindFirstFileExW(
         inside(folder, L"*", vr::Path::eFile).str().c_str(), FindExInfoBasic, &found,
         FindExSearchNameMatch, nullptr, FIND_FIRST_EX_LARGE_FETCH));
     auto error = GetLastError();
     if (search.get() == INVALID_HANDLE_VALUE) {
         // The root of an empty drive holds not even itself.
         if (error != ERROR_FILE_NOT_FOUND)
-            listing.failure = failedListing(folder, error);
+            listing.failure = failureOf(L"FindFirstFile", folder, error);
         return listing;
     }
 
@@ -75,7 +68,7 @@ Listing list(vr::Path const& folder) {
     while (FindNextFileW(search.get(), &found));
     error = GetLastError();
     if (error != ERROR_NO_MORE_FILES)
-        listing.failure = failedListing(folder, error);
+        listing.failure = failureOf(L"FindNextFile", folder, error);
     std::sort(listing.entries.begin(), listing.entries.end(), standsBefore);
     return listing;
 }

@@ -1,7 +1,6 @@
 #include "tools/vrtool/FrameClock.h"
 
 #include "tools/vrtool/TimeLimits.h"
-
 #include "vrUtils/OverMidnightInPointAdjuster.h"
 
 #include <iomanip>

@@ -7,6 +7,7 @@
 #include "tools/vrtool/Inspection.h"
 #include "tools/vrtool/JsonText.h"
 #include "tools/vrtool/Platform.h"
+#include "tools/vrtool/SystemText.h"
 #include "tools/vrtool/TextTable.h"
 #include "tools/vrtool/Utf8.h"
 
@@ -32,7 +33,7 @@ std::wstring missing(vr::Path const& path, DWORD error) {
     auto const name = L"\"" + path.components().wholePath() + L"\"";
     if (error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND)
         return L"no such file or folder: " + name;
-    return L"cannot reach " + name + L": error " + std::to_wstring(error);
+    return L"cannot reach " + name + L": " + systemText(error);
 }
 
 // Adds the inspections of one argument: of the file, or of all files below the folder.

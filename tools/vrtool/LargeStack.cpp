@@ -3,8 +3,8 @@
 #include "tools/vrtool/OwnedHandle.h"
 
 #include <algorithm>
+#include <cwchar>
 #include <exception>
-#include <string>
 #include <system_error>
 
 namespace {

@@ -1,7 +1,7 @@
 #ifndef TOOLS_VRTOOL_OWNEDHANDLE_H
 #define TOOLS_VRTOOL_OWNEDHANDLE_H
 
-// Owner of a handle of the platform's; for sources only, as the platform's declarations are.
+// Owners of the platform's handles; for sources only, as the platform's declarations are.
 
 #include "tools/vrtool/Platform.h"
 
@@ -15,5 +15,15 @@ struct HandleCloser {
 };
 
 using OwnedHandle = std::unique_ptr<void, HandleCloser>;
+
+struct SearchCloser {
+    void operator()(HANDLE search) const noexcept {
+        if (search != INVALID_HANDLE_VALUE)
+            FindClose(search);
+    }
+};
+
+// A search of a folder has a closing call of its own.
+using OwnedSearch = std::unique_ptr<void, SearchCloser>;
 
 #endif

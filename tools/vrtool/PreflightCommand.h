@@ -2,7 +2,6 @@
 #define TOOLS_VRTOOL_PREFLIGHTCOMMAND_H
 
 #include "tools/vrtool/Command.h"
-
 #include "vrUtils/PFC.h"
 
 // `vrtool preflight MOVIE`: where the reports of a movie's pre-flight check lie; makes the HTML one.

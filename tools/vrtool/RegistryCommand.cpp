@@ -4,7 +4,10 @@ namespace {
 
 constexpr char registryExplanation[] =
     R"(`vrtool registry dump --help` and `vrtool registry restore --help` tell about
-each, with an example.)";
+each.
+
+Example:
+  vrtool registry dump HKLM\Software\Vorrane\Ostrel C:\Backup\Ostrel.reg)";
 
 } // namespace
 

@@ -1,8 +1,7 @@
 #include "tools/vrtool/SettingsCatalogue.h"
 
-#include "vrUtils/Registry.h"
-
 #include "tools/vrtool/Platform.h"
+#include "vrUtils/Registry.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,13 +1,12 @@
 #include "tools/vrtool/SidecarTrial.h"
 
 #include "tools/vrtool/LargeStack.h"
-#include "tools/vrtool/Platform.h"
+#include "tools/vrtool/OwnedHandle.h"
 #include "tools/vrtool/SystemText.h"
 #include "tools/vrtool/Utf8.h"
 #include "vrUtils/Storage/Sidecar.h"
 
 #include <algorithm>
-#include <memory>
 #include <regex>
 #include <string_view>
 
@@ -18,10 +17,6 @@ constexpr DWORD excludedAttributes =
     FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_DIRECTORY |
     FILE_ATTRIBUTE_DEVICE | FILE_ATTRIBUTE_SPARSE_FILE | FILE_ATTRIBUTE_REPARSE_POINT |
     FILE_ATTRIBUTE_OFFLINE | FILE_ATTRIBUTE_ENCRYPTED | FILE_ATTRIBUTE_VIRTUAL;
-
-struct SearchCloser {
-    void operator()(HANDLE search) const noexcept { FindClose(search); }
-};
 
 // The steps in their order; each is null until it has been made.
 Facts noSteps(SidecarRule const& rule) {
@@ -120,18 +115,17 @@ void matchEntries(SidecarRule const& rule, std::wregex const& expression, Facts&
     matching.value = passedOver.value = Json::Value(Json::arrayValue);
 
     WIN32_FIND_DATAW entry;
-    auto* const search = FindFirstFileW((rule.folder + rule.pattern).c_str(), &entry);
+    OwnedSearch const search(FindFirstFileW((rule.folder + rule.pattern).c_str(), &entry));
     auto const error = GetLastError();
-    if (search == INVALID_HANDLE_VALUE) {
+    if (search.get() == INVALID_HANDLE_VALUE) {
         if (error != ERROR_FILE_NOT_FOUND)
             matching.failure = systemText(error);
         return;
     }
-    std::unique_ptr<void, SearchCloser> const owner(search);
     do {
         if (!isFolderItself(entry.cFileName) && std::regex_match(entry.cFileName, expression))
             (isPlainFile(entry) ? matching : passedOver).value.append(toUtf8(entry.cFileName));
-    } while (FindNextFileW(search, &entry));
+    } while (FindNextFileW(search.get(), &entry));
 }
 
 // Up to the step that decides.

@@ -5,7 +5,7 @@
 // hosts to start it, and finds no address without it.
 class SocketLayer {
   public:
-    // Throws std::system_error if the layer cannot be started.
+    // @throws std::system_error if the layer cannot be started
     SocketLayer();
     SocketLayer(SocketLayer const&) = delete;
     SocketLayer& operator=(SocketLayer const&) = delete;

@@ -9,6 +9,7 @@
 #include "tools/vrtool/SocketLayer.h"
 #include "tools/vrtool/TransferFailure.h"
 #include "tools/vrtool/TransferMessage.h"
+#include "tools/vrtool/TransferStatistics.h"
 #include "tools/vrtool/TransferSummary.h"
 #include "tools/vrtool/Utf8.h"
 #include "tools/vrtool/WholeFile.h"
@@ -41,9 +42,6 @@ Example:
   vrtool transfer clip.wav E:\Backup --replace --json totals.json)";
 
 constexpr std::uint32_t highestInstance = 100;
-
-// The transfer's own stat: what became of the whole.
-constexpr int transferStatusStat = 0x10004;
 
 std::string introduction(TransferDestination const& destination) {
     auto text = "To " + toUtf8(destination.folder.components().wholePath()) +

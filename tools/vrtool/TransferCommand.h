@@ -5,7 +5,8 @@
 
 #include <cstdint>
 
-// Carries media to a folder, with everything that the server does around it.
+// `vrtool transfer SOURCE... DESTINATION`: media carried to a folder, with everything that the
+// server does around it.
 class TransferCommand : public Command {
   public:
     TransferCommand();

@@ -1,5 +1,6 @@
 #include "tools/vrtool/TransferDestination.h"
 
+#include "tools/vrtool/ClosedFolder.h"
 #include "tools/vrtool/SystemText.h"
 #include "tools/vrtool/TransferFailure.h"
 #include "vrUtils/Files.h"
@@ -8,12 +9,6 @@
 #include <iterator>
 
 namespace {
-
-vr::Path closed(std::wstring const& text) {
-    auto folder = vr::Path::folder(text);
-    folder.modify(vr::Path::eFolder).append(L"\\");
-    return folder;
-}
 
 SrvrParam serverOf(vr::Path const& folder) {
     auto const& parts = folder.components();
@@ -27,9 +22,9 @@ SrvrParam serverOf(vr::Path const& folder) {
 
 TransferDestination transferDestination(std::wstring const& argument) {
     TransferDestination destination;
-    destination.folder = closed(fullPath(argument));
+    destination.folder = closedFolder(fullPath(argument));
     destination.onThisMachine = vrUtils::Files::isPathToThisMachine(destination.folder);
-    destination.local = closed(vrUtils::Files::uncToLocalPath(destination.folder).str());
+    destination.local = closedFolder(vrUtils::Files::uncToLocalPath(destination.folder).str());
     destination.server = serverOf(destination.local);
     return destination;
 }

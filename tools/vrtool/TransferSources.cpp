@@ -1,5 +1,6 @@
 #include "tools/vrtool/TransferSources.h"
 
+#include "tools/vrtool/ClosedFolder.h"
 #include "tools/vrtool/FolderWalk.h"
 #include "tools/vrtool/Platform.h"
 #include "tools/vrtool/SystemText.h"
@@ -13,13 +14,6 @@
 #include <set>
 
 namespace {
-
-// The folder with a closing backslash, however it was written.
-vr::Path asFolder(std::wstring const& text) {
-    auto folder = vr::Path::folder(text);
-    folder.modify(vr::Path::eFolder).append(L"\\");
-    return folder;
-}
 
 // What stands above the last folder: that one goes along, unless it is a drive's or a share's root.
 std::size_t lengthAbove(vr::Path const& folder) {
@@ -63,7 +57,7 @@ std::vector<TransferSource> transferSources(std::wstring const& argument) {
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
         return {{file, name, {}}};
 
-    auto const folder = asFolder(text);
+    auto const folder = closedFolder(text);
     auto const above = lengthAbove(folder);
     std::vector<TransferSource> sources;
     for (auto& found : filesBelow(folder)) {

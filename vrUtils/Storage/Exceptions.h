@@ -2,7 +2,7 @@
 #define VRUTILS_STORAGE_EXCEPTIONS_H
 
 /// @file
-/// Failures of folders, disk space and well-known places.
+/// Failures of folders, deletions that can be undone, pickers and well-known places.
 
 #include "vrUtils/vrUtilsApi.h"
 
