@@ -42,8 +42,13 @@ function(vrutils_subsystem name)
   target_link_libraries(${name} PUBLIC house VorraneLog)
   target_compile_definitions(${name} PUBLIC VRUTILS_BUILDING JSON_DLL_BUILD)
   vrutils_measure_coverage(${name})
-  # A second build of the library has no need to prove again that each source stands alone.
-  set_target_properties(${name} PROPERTIES UNITY_BUILD ${VRUTILS_TRAP_UNDEFINED} UNITY_BUILD_BATCH_SIZE 0)
+  # A second build of the library has no need to prove again that each source stands alone. What such
+  # a source is made of looks to the compiler like headers, whose classes may hold nothing private to
+  # one source.
+  if(VRUTILS_TRAP_UNDEFINED)
+    set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 0)
+    target_compile_options(${name} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-Wno-subobject-linkage>)
+  endif()
 endfunction()
 
 # vrutils_version_resource(TARGET DESCRIPTION): what the file's properties show on Windows.
