@@ -12,7 +12,7 @@ ChildStart loggingTo(std::wstring const& file, std::wstring const& level) {
 
 ChildAction const logFormats(L"log formats", [](ChildAction::Arguments const& formats) {
     for (auto const& format : formats)
-        VL_WriteLog(6, module, format.c_str());
+        VL_WriteLog(6, moduleName, format.c_str());
     return 0;
 });
 

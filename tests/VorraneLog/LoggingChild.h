@@ -10,7 +10,7 @@
 namespace test {
 
 // The name under which tests log.
-inline constexpr wchar_t module[] = L"vrUtils";
+inline constexpr wchar_t moduleName[] = L"vrUtils";
 
 // A process that logs to this file, up to this level; the log's own choice where they are empty.
 ChildStart loggingTo(std::wstring const& file, std::wstring const& level = L"");

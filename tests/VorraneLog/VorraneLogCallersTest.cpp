@@ -21,7 +21,7 @@
 
 using test::logFormats;
 using test::loggingTo;
-using test::module;
+using test::moduleName;
 using testing::ElementsAre;
 using testing::SizeIs;
 using Arguments = test::ChildAction::Arguments;
@@ -36,7 +36,7 @@ test::ChildAction const logFromThreads(L"log from threads", [](Arguments const&)
     for (int thread = 0; thread < threadCount; ++thread)
         threads.emplace_back([thread] {
             for (int number = 0; number < linesOfThread; ++number)
-                VL_WriteLog(6, module, L"%d %d", thread, number);
+                VL_WriteLog(6, moduleName, L"%d %d", thread, number);
         });
     for (auto& thread : threads)
         thread.join();
@@ -75,8 +75,8 @@ test::ChildAction const keepErrors(L"keep errors", [](Arguments const&) {
     for (int call = 0; call < 3; ++call) {
         SetLastError(4711);
         errno = 42;
-        VL_WriteLog(6, module, L"%s", reinterpret_cast<wchar_t const*>(0x10));
-        VL_WriteDebugLog(7, module, L"file", 1, L"left out");
+        VL_WriteLog(6, moduleName, L"%s", reinterpret_cast<wchar_t const*>(0x10));
+        VL_WriteDebugLog(7, moduleName, L"file", 1, L"left out");
         if (GetLastError() != 4711 || errno != 42)
             return 1;
     }
@@ -100,16 +100,16 @@ namespace {
 HMODULE logModule() { return test::loadedModule(L"VorraneLog.dll"); }
 
 test::ChildAction const countHandles(L"count handles", [](Arguments const&) {
-    VL_WriteLog(6, module, L"first");
+    VL_WriteLog(6, moduleName, L"first");
     auto const before = test::handleCount();
     for (int number = 0; number < 1000; ++number)
-        VL_WriteLog(6, module, L"%d", number);
+        VL_WriteLog(6, moduleName, L"%d", number);
     return test::handleCount() == before ? 0 : 1;
 });
 
 // A hook of the log's own import must be reached from a function that has not called before.
 int logOnce(wchar_t const* text) {
-    VL_WriteLog(6, module, L"%s", text);
+    VL_WriteLog(6, moduleName, L"%s", text);
     return 0;
 }
 
@@ -219,7 +219,7 @@ struct LoggingStatic {
 
     static void log(wchar_t const* text) {
         if (GetEnvironmentVariableW(L"VORRANELOG_TEST_STATICS", nullptr, 0) > 0)
-            VL_WriteLog(6, module, text);
+            VL_WriteLog(6, moduleName, text);
     }
 };
 
@@ -231,9 +231,9 @@ test::ChildAction const unloadLog(L"unload log", [](Arguments const& arguments) 
     auto* const library = LoadLibraryW(arguments.at(0).c_str());
     auto* const address = GetProcAddress(library, "VL_WriteLog");
     auto* const write = reinterpret_cast<WriteLog>(reinterpret_cast<void*>(address));
-    write(6, module, L"loaded");
+    write(6, moduleName, L"loaded");
     FreeLibrary(library);
-    write(6, module, L"let go");
+    write(6, moduleName, L"let go");
     return 0;
 });
 

@@ -17,7 +17,7 @@
 
 using test::logFormats;
 using test::loggingTo;
-using test::module;
+using test::moduleName;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -36,7 +36,7 @@ std::string bytesOf(std::wstring const& path) {
 
 test::ChildAction const logNumbered(L"log numbered", [](Arguments const& arguments) {
     for (int number = 0; number < std::stoi(arguments.at(1)); ++number)
-        VL_WriteLog(6, module, L"%s %d", arguments[0].c_str(), number);
+        VL_WriteLog(6, moduleName, L"%s %d", arguments[0].c_str(), number);
     return 0;
 });
 
@@ -79,9 +79,9 @@ TEST(VorraneLog, FileNameMayHoldUmlautsAndPercentSigns) {
 namespace {
 
 test::ChildAction const logAfterMoving(L"log after moving", [](Arguments const& arguments) {
-    VL_WriteLog(6, module, L"here");
+    VL_WriteLog(6, moduleName, L"here");
     SetCurrentDirectoryW(arguments.at(0).c_str());
-    VL_WriteLog(6, module, L"still here");
+    VL_WriteLog(6, moduleName, L"still here");
     return 0;
 });
 
@@ -138,7 +138,7 @@ TEST(VorraneLog, TwoProcessesHaveTheirOwnFiles) {
 namespace {
 
 test::ChildAction const logAndWait(L"log and wait", [](Arguments const& arguments) {
-    VL_WriteLog(6, module, L"%s", arguments.at(0).c_str());
+    VL_WriteLog(6, moduleName, L"%s", arguments.at(0).c_str());
     std::puts("logged");
     std::fflush(stdout);
     Sleep(INFINITE);
@@ -178,7 +178,7 @@ constexpr int longLines = 800;
 test::ChildAction const logLongLines(L"log long lines", [](Arguments const&) {
     std::wstring const text(30'000, L'x');
     for (int number = 0; number < longLines; ++number)
-        VL_WriteLog(6, module, L"%d %s", number, text.c_str());
+        VL_WriteLog(6, moduleName, L"%d %s", number, text.c_str());
     return 0;
 });
 

@@ -17,7 +17,7 @@
 
 using test::logFormats;
 using test::loggingTo;
-using test::module;
+using test::moduleName;
 using testing::Each;
 using testing::ElementsAre;
 using testing::SizeIs;
@@ -29,7 +29,7 @@ namespace {
 // One line at each level there is.
 test::ChildAction const logAtAllLevels(L"log at all levels", [](Arguments const&) {
     for (char level = 0; level <= 7; ++level)
-        VL_WriteLog(level, module, L"line");
+        VL_WriteLog(level, moduleName, L"line");
     return 0;
 });
 
@@ -104,8 +104,8 @@ INSTANTIATE_TEST_SUITE_P(
 namespace {
 
 test::ChildAction const logOutsideLevels(L"log outside levels", [](Arguments const&) {
-    VL_WriteLog(-128, module, L"least");
-    VL_WriteLog(127, module, L"greatest");
+    VL_WriteLog(-128, moduleName, L"least");
+    VL_WriteLog(127, moduleName, L"greatest");
     return 0;
 });
 
@@ -148,15 +148,15 @@ namespace {
 
 test::ChildAction const logBeyondAscii(L"log beyond ascii", [](Arguments const&) {
     std::wstring const text{L'\u00E4', 0xD83C, 0xDFAC, L'-', 0xD83C, L'-'};
-    VL_WriteLog(6, module, text.c_str());
-    VL_WriteLog(6, module, L"%s", text.c_str());
+    VL_WriteLog(6, moduleName, text.c_str());
+    VL_WriteLog(6, moduleName, L"%s", text.c_str());
     VL_WriteLog(6, L"Modul \u00E4\t", L"module");
     return 0;
 });
 
 test::ChildAction const logFromSource(L"log from source", [](Arguments const&) {
-    VL_WriteDebugLog(4, module, L"Process", 214, L"Abandoning %d %s", 42, L"now");
-    VL_WriteDebugLog(4, module, nullptr, -1, L"nowhere");
+    VL_WriteDebugLog(4, moduleName, L"Process", 214, L"Abandoning %d %s", 42, L"now");
+    VL_WriteDebugLog(4, moduleName, nullptr, -1, L"nowhere");
     return 0;
 });
 
@@ -165,8 +165,8 @@ test::ChildAction const logBadPointers(L"log bad pointers", [](Arguments const&)
     auto* const nowhere = reinterpret_cast<wchar_t const*>(page.end());
     VL_WriteLog(6, nullptr, nullptr);
     VL_WriteLog(6, nowhere, nowhere);
-    VL_WriteLog(6, module, L"%s", nowhere);
-    VL_WriteDebugLog(6, module, nowhere, 1, L"%s", page.lastCharacters(L"half"));
+    VL_WriteLog(6, moduleName, L"%s", nowhere);
+    VL_WriteDebugLog(6, moduleName, nowhere, 1, L"%s", page.lastCharacters(L"half"));
     return 0;
 });
 
@@ -215,15 +215,15 @@ test::ChildAction const logHostileNames(L"log hostile names", [](Arguments const
         std::wstring name(1 + campaign.below(60), L'\0');
         for (auto& character : name)
             character = alphabet[campaign.below(alphabet.size())];
-        VL_WriteLog(6, module, (L"Locking file [" + name + L"]|").c_str());
+        VL_WriteLog(6, moduleName, (L"Locking file [" + name + L"]|").c_str());
     }
-    VL_WriteLog(6, module, L"Locking file [the last of them]");
+    VL_WriteLog(6, moduleName, L"Locking file [the last of them]");
     return 0;
 });
 
 // A thread's first frame, with next to nothing above it on the stack.
 DWORD WINAPI logWithoutValues(void*) {
-    VL_WriteLog(6, module, L"%d%d%d%d%d%d%d%d%s%s%s%s%s%s%s%s%d%d%d%d%d%d%d%d%s%s%s%s%s%s%s%s");
+    VL_WriteLog(6, moduleName, L"%d%d%d%d%d%d%d%d%s%s%s%s%s%s%s%s%d%d%d%d%d%d%d%d%s%s%s%s%s%s%s%s");
     return 0;
 }
 
