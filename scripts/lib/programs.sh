@@ -11,7 +11,7 @@ run_whole_programs() {
         if grep -aq 'all tests of this program passed' "$output"; then
             say "$(basename "$program" .exe): $(grep -a '^\[  PASSED' "$output")"
         else
-            grep -avE '^\[( RUN  |       OK|-----)' "$output"
+            grep -avE '^(\[( RUN  |       OK|-----)|\s*$)' "$output" || true
             say "$(basename "$program" .exe): FAILED"
             failed=1
         fi
