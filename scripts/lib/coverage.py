@@ -51,22 +51,25 @@ def lines_of(path):
 
 
 def reports(build):
-    """What the compiler's own tool tells of each object, over all programs that have run."""
+    """(notes of an object, what the compiler's own tool tells of it, over all runs)."""
     for notes in sorted(build.rglob("*.gcno")):
         report = subprocess.run(
             [GCOV, "--json-format", "--stdout", "--branch-probabilities", str(notes)],
             cwd=build, check=True, capture_output=True, text=True,
         )
-        yield from map(json.loads, filter(None, report.stdout.splitlines()))
+        for line in filter(None, report.stdout.splitlines()):
+            yield notes.relative_to(build), json.loads(line)
 
 
 def tallies(root, build):
     """The tally of each source of the library, by its name."""
     tallies = collections.defaultdict(Tally)
-    for report in reports(build):
+    for notes, report in reports(build):
+        # What the program has of the library's headers is no part of the library.
+        sources = root / "tools" if notes.parts[0] == "tools" else root
         for source in report["files"]:
             path = (build / source["file"]).resolve()
-            if not path.is_relative_to(root) or path.is_relative_to(root / "build"):
+            if not path.is_relative_to(sources) or path.is_relative_to(root / "build"):
                 continue
             text = lines_of(path)
             for entry in source["lines"]:
