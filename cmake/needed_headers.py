@@ -9,14 +9,18 @@ import sys
 
 compiler, folder, *include_folders = sys.argv[1:]
 folder = pathlib.Path(folder)
-arguments = [compiler, "-std=c++17", "-M", "-DJSON_DLL", "-isystem", str(folder)]
+# The folder may be made of links, which are not to be followed.
+arguments = [
+    compiler, "-std=c++17", "-M", "-fno-canonical-system-headers", "-DJSON_DLL", "-isystem", str(folder),
+]
 for include_folder in include_folders:
     arguments += ["-I", include_folder]
 listed = subprocess.run(
     [*arguments, "-x", "c++", "-"], input='#include "vrUtils/vrUtils.h"\n',
     check=True, capture_output=True, text=True,
 ).stdout
-for name in sorted(set(listed.replace("\\\n", " ").split())):
-    path = pathlib.Path(name)
-    if path.is_relative_to(folder):
-        print(path.relative_to(folder))
+needed = map(pathlib.Path, set(listed.replace("\\\n", " ").split()))
+needed = sorted(path.relative_to(folder) for path in needed if path.is_relative_to(folder))
+if not needed:
+    sys.exit(f"{compiler} reports no header in {folder}")
+print(*needed, sep="\n")
