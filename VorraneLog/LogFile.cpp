@@ -102,8 +102,8 @@ class LogFile::Sink {
     // Lines of this size need nothing from the heap.
     static constexpr std::size_t shortLine = 200;
 
-    // The library copies a longer line, and raises bad_alloc if it cannot; where the heap is exhausted
-    // this runtime may end the process at that. So such a line is cut beforehand.
+    // The library copies a longer line, and raises bad_alloc if it cannot; where the heap is
+    // exhausted this runtime may end the process at that. So such a line is cut beforehand.
     static bool hasMemoryFor(std::string_view line) noexcept {
         constexpr std::size_t copiesWhileGrowing = 3;
         auto* const memory = std::malloc(copiesWhileGrowing * line.size());

@@ -1,5 +1,5 @@
 // What a process knows of itself: computer, user, memory, the places that follow from the machine,
-// and whether it is the only one of its name. What it is doing just now is one text for all threads.
+// and whether it is the only one of its name. What it is doing now is one text for all threads.
 
 #include <vrUtils/Process.h>
 #include <vrUtils/ProcessStatus.h>

@@ -1,6 +1,6 @@
 // Lines in the system's log: a level, the unit that speaks, and a format whose texts are wide. The
-// calls are safe with whatever they are given, and are with the system when they return, so that the
-// file can be read at once. VORRANELOG_FILE and VORRANELOG_LEVEL say where to and how much.
+// calls are safe with whatever they are given, and are with the system when they return, so that
+// the file can be read at once. VORRANELOG_FILE and VORRANELOG_LEVEL say where to and how much.
 
 #include <VorraneLog/VorraneLog.h>
 

@@ -1,5 +1,5 @@
-// A recording that runs past midnight: its start and length come from the asset's media objects, and
-// the in-point that an editor asks for after midnight is moved onto the same axis.
+// A recording that runs past midnight: its start and length come from the asset's media objects,
+// and the in-point that an editor asks for after midnight is moved onto the same axis.
 
 #include <vrUtils/Assets.h>
 #include <vrUtils/OverMidnightInPointAdjuster.h>

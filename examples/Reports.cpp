@@ -1,5 +1,5 @@
-// Reports of a movie's pre-flight check. The XML one lies in a folder beside the movie; a stylesheet
-// makes text of it here, and a program beside this one makes the HTML report when it is asked for.
+// Reports of a movie's pre-flight check. The XML one lies in a folder beside the movie; a
+// stylesheet makes text of it here, and a program beside this one makes the HTML report on demand.
 
 #include <vrUtils/Files.h>
 #include <vrUtils/PFC.h>

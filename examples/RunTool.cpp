@@ -1,6 +1,6 @@
-// Other programs under a time limit. Arguments are quoted as they are added, the result tells how it
-// ended, and a callback keeps the host alive meanwhile. A program is never killed: after a time-out
-// or a cancel it runs on by itself.
+// Other programs under a time limit. Arguments are quoted as they are added, the result tells how
+// it ended, and a callback keeps the host alive meanwhile. A program is never killed: after a
+// time-out or a cancel it runs on by itself.
 
 #include <vrUtils/Process.h>
 

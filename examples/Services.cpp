@@ -1,5 +1,5 @@
-// The state of the system's services, and a start that is waited for: the service manager only takes
-// the request, so who needs the service asks until it runs, up to a limit of its own. Without
+// The state of the system's services, and a start that is waited for: the service manager only
+// takes the request, so who needs the service asks until it runs, up to a limit of its own. Without
 // arguments nothing is changed; `Services.exe start` starts what is stopped.
 
 #include <vrUtils/OstrelServer.h>

@@ -1,5 +1,5 @@
-// Settings: those the library knows by name, with a fallback for a fresh machine, and those of one's
-// own, by key and type. Asking makes the key. A setting that may be missing is read in a try.
+// Settings: those the library knows by name, with a fallback for a fresh machine, and those of
+// one's own, by key and type. Asking makes the key. A setting that may be missing is read in a try.
 
 #include <vrUtils/Files.h>
 #include <vrUtils/Registry.h>

@@ -1,6 +1,6 @@
-// A share that is reached under a user's name of its own. The path has a separator behind the share,
-// since its last word counts as a file's name; the connection is known by the bare share, and so is
-// ended by that. A share that refuses is told by its code.
+// A share that is reached under a user's name of its own. The path has a separator behind the
+// share, since its last word counts as a file's name; the connection is known by the bare share,
+// and so is ended by that. A share that refuses is told by its code.
 
 #include <vrUtils/Storage.h>
 #include <vrUtils/vrException.h>

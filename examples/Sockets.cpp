@@ -1,5 +1,5 @@
-// A question and its answer over TCP. A host starts the platform's socket layer itself; what is sent
-// in one piece may arrive in several, and 0 bytes mean that nothing came or that the peer has gone.
+// A question and its answer over TCP. A host starts the platform's socket layer itself; what is
+// sent in one piece may arrive in several, and 0 bytes mean that nothing came or the peer has gone.
 
 #include <vrUtils/TcpComms.h>
 

@@ -1,5 +1,5 @@
-// What a process has done: counts in one table that any thread adds to and a reporting side reads as
-// JSON, a count that tells when the last one has gone, and the time it took, in the log.
+// What a process has done: counts in one table that any thread adds to and a reporting side reads
+// as JSON, a count that tells when the last one has gone, and the time it took, in the log.
 
 #include <vrUtils/Performance.h>
 #include <vrUtils/counter.h>

@@ -1,5 +1,5 @@
-// A transfer's target: is there room, then the folders, then the work in them. Free space is told by
-// a code, one of which is positive and still a failure; folders fail by exceptions.
+// A transfer's target: is there room, then the folders, then the work in them. Free space is told
+// by a code, one of which is positive and still a failure; folders fail by exceptions.
 
 #include <vrUtils/Files.h>
 #include <vrUtils/Storage.h>

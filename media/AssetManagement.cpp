@@ -21,8 +21,8 @@ bool hasAbsoluteFile(TransferParams const& transfer) {
     auto const& files = transfer.files;
     if (files.empty())
         return isAbsolute(transfer.folder) || isAbsolute(transfer.fileName);
-    // A path keeps its parse even when it is const. Only copies are asked, so that several threads can
-    // read one transfer.
+    // A path keeps its parse even when it is const. Only copies are asked, so that several threads
+    // can read one transfer.
     return std::any_of(files.begin(), files.end(), [](TransferFile const& file) {
         return vr::Path(file.Name()).isAbsolute();
     });

@@ -55,9 +55,9 @@ Tag TagParser::FindTag(std::uint32_t name) {
     }
 }
 
-// Lengths made for it can send a walk back over the same bytes thousands of times, or for ever. From
-// the first move back on only the chunk that is looked for is copied, and a circle ends the walk, so
-// that the cost stays linear in the buffer whatever it holds.
+// Lengths made for it can send a walk back over the same bytes thousands of times, or for ever.
+// From the first move back on only the chunk that is looked for is copied, and a circle ends the
+// walk, so that the cost stays linear in the buffer whatever it holds.
 Tag TagParser::FindTagAfterMoveBack(std::uint32_t name) {
     CircleDetector circle;
     for (;;) {

@@ -58,8 +58,8 @@ constexpr std::uint32_t Timecode::toFrames() const noexcept {
     return count - minutesWithDrop * droppedPerMinute();
 }
 
-// Numbers that drop-frame timecode leaves out at the start of a minute. Rates of 1000/1001 without a
-// rule of their own leave out none.
+// Numbers that drop-frame timecode leaves out at the start of a minute. Rates of 1000/1001 without
+// a rule of their own leave out none.
 constexpr std::uint32_t Timecode::droppedPerMinute() const noexcept {
     switch (rate) {
     case eFrameRate2997Drop:

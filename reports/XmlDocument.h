@@ -10,8 +10,8 @@
 
 namespace vrUtils::XSLT {
 
-// A document of the platform's XML component, released when it goes. What the component answers goes
-// out as it came, in the form of its result codes.
+// A document of the platform's XML component, released when it goes. What the component answers
+// goes out as it came, in the form of its result codes.
 class XmlDocument {
   public:
     // Makes the document, set to be read at once and by itself: no validation, no other files.

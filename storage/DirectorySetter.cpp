@@ -8,8 +8,8 @@ namespace vrUtils::Storage {
 
 namespace {
 
-// A directory that does not fit answers with the size that it needs, and may have changed when it is
-// asked again. Empty if there is none to be had.
+// A directory that does not fit answers with the size that it needs, and may have changed when it
+// is asked again. Empty if there is none to be had.
 std::wstring workingDirectory() {
     std::wstring directory(MAX_PATH, L'\0');
     for (;;) {

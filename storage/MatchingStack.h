@@ -8,9 +8,9 @@
 namespace vrUtils::Storage {
 
 // The standard library compiles and matches regular expressions by calling itself, once for each
-// step: a long name overflows the stack of an ordinary thread, which ends the process. Here the work
-// is done on a stack that is large enough for whatever the expression and the longest text ask for;
-// only what is used of it takes memory.
+// step: a long name overflows the stack of an ordinary thread, which ends the process. Here the
+// work is done on a stack that is large enough for whatever the expression and the longest text ask
+// for; only what is used of it takes memory.
 //
 // The work runs on the calling thread and in its name. What it throws arrives here.
 // Throws std::regex_error if the stack would have to be larger than a gigabyte, std::bad_alloc if

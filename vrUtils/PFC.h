@@ -59,8 +59,8 @@ class VRUTILS_API PFCHTMLReportParameters : public PFCReportParameters {
     std::wstring m_reportSignature;
 };
 
-/// The genealogy report's file. A movie's extension is replaced, or added if it has none; the dot in
-/// the name of a path that is a folder's begins no extension, and stays.
+/// The genealogy report's file. A movie's extension is replaced, or added if it has none; the dot
+/// in the name of a path that is a folder's begins no extension, and stays.
 VRUTILS_API vr::Path getGenealogyFileName(vr::Path const& movie);
 
 /// The XML report's file, by the same rule.
@@ -84,12 +84,12 @@ getPFCGenealogyReport(PFCReportParameters const& parameters, std::vector<char>* 
 VRUTILS_API void
 getPFCHTMLReport(PFCHTMLReportParameters const& parameters, std::vector<char>* report);
 
-/// Makes the HTML report's folder and runs the program, for at most 5 seconds; after that it runs on
-/// by itself. Its end and what it answered are only logged, under the module name "PFC HTML".
+/// Makes the HTML report's folder and runs the program, for at most 5 seconds; after that it runs
+/// on by itself. Its end and what it answered are only logged, under the module name "PFC HTML".
 ///
-/// The program is given the XML file, the HTML file, the movie's name and the signature, each between
-/// double quotes if it holds a blank or a tab. Quotes inside are not escaped. What is empty is left
-/// out, and the rest moves forward.
+/// The program is given the XML file, the HTML file, the movie's name and the signature, each
+/// between double quotes if it holds a blank or a tab. Quotes inside are not escaped. What is empty
+/// is left out, and the rest moves forward.
 /// @throws vrUtils::Storage::vrCreateFolderException if the folder cannot be made
 VRUTILS_API void createPFCHTMLReport(PFCHTMLReportParameters const& parameters);
 

@@ -81,8 +81,8 @@ class VRUTILS_API TagParser {
     /// @throws vrException "Insufficient data for tag parse read"
     virtual std::uint32_t ReadNextLength();
 
-    /// Reads chunks until one has this name. Those it passes are copied like it, until a length leads
-    /// back: from there on only the one it looks for is, so that the cost stays linear in the buffer.
+    /// Reads chunks until one has this name. Those it passes are copied like it, until a length
+    /// leads back: from there on only the one it looks for is, so that the cost stays linear.
     /// @throws vrException "Insufficient data for tag parse read", which is also how a walk ends
     ///         that does not find the chunk, or that lengths near 2^32 would lead in a circle
     Tag FindTag(std::uint32_t name);

@@ -10,8 +10,8 @@
 #include <memory>
 #include <string>
 
-/// The one table of a process with named 64-bit counts, by number. Any thread adds; a reporting side
-/// fetches them one by one or all as JSON. There is no history.
+/// The one table of a process with named 64-bit counts, by number. Any thread adds; a reporting
+/// side fetches them one by one or all as JSON. There is no history.
 ///
 /// Five stats are there from the start, all 0:
 ///
@@ -66,8 +66,8 @@ class VRUTILS_API vrStatCollector {
     std::uint64_t GetStat(int id);
 
     /// All stats as an indented JSON object, in the order of their names. Stats of one name, and so
-    /// all stats with none, are one member, with the value of the highest number. It is the state of
-    /// one moment: who adds meanwhile, waits.
+    /// all stats with none, are one member, with the value of the highest number. It is the state
+    /// of one moment: who adds meanwhile, waits.
     /// @throws std::bad_alloc, or JsonCpp's Json::RuntimeError, if there is no memory for it
     std::wstring asJson();
 

@@ -81,7 +81,7 @@ TEST(vrStatCollectorThreads, JsonIsTheStateOfOneMoment) {
     constexpr int snapshots = 100;
     constexpr int first = 1000;
     constexpr int last = 1500;
-    // Those in between take their time, and so leave room between the reads of the first and the last.
+    // Those in between take their time, and leave room between the reads of the first and the last.
     for (int number = first; number <= last; ++number) {
         auto const name = L"moment " + std::to_wstring(number);
         stats().SetStatName(number, &name);

@@ -268,7 +268,7 @@ TEST_F(PFCToolRuns, OnAfterFiveSecondsWhileWhatStandsOnDiskIsRead) {
         testing::Contains(test::Logged(3, L"Process \"PFC HTML\" timed out", L"PFC HTML")));
 }
 
-// The program that ships as an example lies beside the tests, where the platform finds it by itself.
+// The program that ships as an example lies beside the tests: the platform finds it by itself.
 class PFCExampleTool : public PFCReportTool {
   protected:
     void writeXml(std::string const& checks) const {

@@ -1,8 +1,8 @@
 #ifndef TESTS_STORAGE_DIALOGUSER_H
 #define TESTS_STORAGE_DIALOGUSER_H
 
-// Somebody who chooses the first item of the next folder dialog of this thread, and presses a button,
-// as soon as it is shown:
+// Somebody who chooses the first item of the next folder dialog of this thread, and presses a
+// button, as soon as it is shown:
 //
 //     test::DialogUser const user(IDOK);
 //     EXPECT_TRUE(BrowseForFolder({}, L"Where to?", &result, nullptr));

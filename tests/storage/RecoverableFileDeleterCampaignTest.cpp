@@ -1,5 +1,5 @@
-// Processes that are killed anywhere in a deletion that can be undone: the file or its copy is there,
-// whole, and comes back.
+// Processes that are killed anywhere in a deletion that can be undone: the file or its copy is
+// there, whole, and comes back.
 
 #include "vrUtils/Storage/RecoverableFileDeleter.h"
 
@@ -23,8 +23,8 @@ using vrUtils::Storage::RecoverableFileDeleter;
 namespace {
 
 // Where a process is when it is killed. On the way it deletes and recovers without a pause, and may
-// be anywhere. At the places behind it stops and waits for its end: ahead of each platform call that
-// changes the disk, behind it, and half way through either copy.
+// be anywhere. At the places behind it stops and waits for its end: ahead of each platform call
+// that changes the disk, behind it, and half way through either copy.
 constexpr unsigned onTheWay = 0;
 constexpr unsigned callsOfDeletion = 8;
 constexpr unsigned copiesOfDeletion = 2;

@@ -75,8 +75,8 @@ TEST_F(VrtoolAnswers, NeedAnEvent) {
     EXPECT_THROW(nextAnswer(key), std::system_error);
 }
 
-// The runtime keeps the handles of a few threads that have ended for the next ones; how many depends
-// on how threads meet.
+// The runtime keeps the handles of a few threads that have ended for the next ones; how many
+// depends on how threads meet.
 TEST_F(VrtoolAnswers, LeaveNoHandleOpen) {
     constexpr std::size_t answers = 100;
     std::string lines;

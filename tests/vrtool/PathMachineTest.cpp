@@ -1,4 +1,4 @@
-// What the tool finds out of a path's machine, over a network that answers as each test wants it to.
+// What the tool finds out of a path's machine, over a network that answers as each test wants.
 
 #include "tools/vrtool/PathMachine.h"
 

@@ -10,7 +10,7 @@ namespace {
 
 std::uint64_t joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
 
-// How finely file systems keep times: to a microsecond, a millisecond, ten of them, one second, two.
+// How finely file systems keep times: a microsecond, a millisecond, ten of them, one second, two.
 constexpr std::array<std::uint64_t, 5> timestampSteps = {
     10, 10'000, 100'000, 10'000'000, 20'000'000};
 

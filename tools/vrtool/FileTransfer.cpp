@@ -79,7 +79,7 @@ class Carrier {
         } catch (TransferCancelled const&) {
             m_outcome.result = TransferOutcome::cancelled;
         } catch (TransferFailure const& failure) {
-            // A file that is there stays what it is; what is missing beside it is told all the same.
+            // A file that is there stays what it is; what is missing beside it is told as well.
             m_outcome.failure = failure.text();
         } catch (vrException const& failure) {
             m_outcome.failure = failure.message();

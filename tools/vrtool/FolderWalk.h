@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-// A file that a walk came to; or, if there is a failure, a folder that could not be read to its end.
+// A file that a walk came to; or, with a failure, a folder that could not be read to its end.
 struct WalkedFile {
     vr::Path path;
     std::wstring failure;

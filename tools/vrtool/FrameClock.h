@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <string>
 
-// Turns times of day into frames from midnight and back, at one rate. All that there is to know of a
-// rate follows from the length of its day.
+// Turns times of day into frames from midnight and back, at one rate. All that there is to know of
+// a rate follows from the length of its day.
 class FrameClock {
   public:
     explicit FrameClock(EFrameRate rate);

@@ -5,8 +5,8 @@
 #include <functional>
 #include <string>
 
-// Regular expressions are compiled and matched by functions that call themselves once for each step,
-// which overflows an ordinary stack where a text is long.
+// Regular expressions are compiled and matched by functions that call themselves once for each
+// step, which overflows an ordinary stack where a text is long.
 
 // Whether the expression can be tried on texts of this length there.
 bool fitsLargeStack(std::wstring const& expression, std::size_t longestText);

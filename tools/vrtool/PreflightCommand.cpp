@@ -24,7 +24,8 @@ first. If that fails or takes longer than 5 seconds, an earlier report stays.
 
 htmlReport is "made", "earlier" for one that was not made anew, or "-".
 
-Ends with 0 if the HTML report was made, 1 if not, 2 if the arguments are wrong.
+Ends with 0 if the HTML report was made, 1 if not, 2 if the arguments are
+wrong.
 
 Example:
   vrtool preflight D:\Media\clip.mxf --name "The news" --signature "Studio 3")";

@@ -4,7 +4,7 @@
 #include "tools/vrtool/Command.h"
 #include "vrUtils/PFC.h"
 
-// `vrtool preflight MOVIE`: where the reports of a movie's pre-flight check lie; makes the HTML one.
+// `vrtool preflight MOVIE`: where a movie's pre-flight reports lie; makes the HTML one.
 class PreflightCommand : public Command {
   public:
     PreflightCommand();

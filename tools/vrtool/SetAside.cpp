@@ -50,8 +50,8 @@ SetAside::SetAside(vr::Path const& file)
     }
 }
 
-// The library's class copies a file and deletes it. The latter is not wanted here, and refused while
-// the file is open.
+// The library's class copies a file and deletes it. The latter is not wanted here, and refused
+// while the file is open.
 void SetAside::copy() {
     {
         auto const held = openToRead(m_file);

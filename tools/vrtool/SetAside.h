@@ -4,8 +4,8 @@
 #include "vrUtils/Path.h"
 #include "vrUtils/Storage.h"
 
-// The folder "Recovery" of the files of a folder, there for as long as an object lives; it goes with
-// the last one, unless something is in it. Several programs may have the same one at a time.
+// The folder "Recovery" of the files of a folder, there for as long as an object lives; it goes
+// with the last one, unless something is in it. Several programs may have the same one at a time.
 class RecoveryFolder {
   public:
     // @throws TransferFailure

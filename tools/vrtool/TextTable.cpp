@@ -109,8 +109,8 @@ TextTable::Layout TextTable::narrowLayout(std::size_t width) const {
             layout.indent = narrowIndent;
         }
 
-    // The widest gives way first, so that short texts stay whole. No column gets narrower than four:
-    // what then is still too wide is the terminal's to break.
+    // The widest gives way first, so that short texts stay whole. No column gets narrower than
+    // four: what then is still too wide is the terminal's to break.
     constexpr std::size_t narrowest = 4;
     for (std::size_t total = layout.total(); total > width; --total) {
         std::optional<std::size_t>* widest = nullptr;

@@ -21,7 +21,7 @@
 namespace {
 
 constexpr char transferExplanation[] =
-    R"(Copies files, and folders with all that is in them, into the folder DESTINATION.
+    R"(Copies files, and folders with all that is in them, to the folder DESTINATION.
 At every moment a target is the old file or the new one, whole: the new one is
 written under its name with ".part" added, and takes its place at the end. A
 transfer that was interrupted is completed by giving the same command again.

@@ -19,8 +19,8 @@ VRUTILS_API void MakeDirectory(vr::Path const& path);
 
 /// Makes the folders of a path, level by level. The drive is not made, nor the share of a network
 /// path, nor a last word without a closing separator, even of a path that is a folder's: of
-/// `vr::Path::folder(L"D:\\a\\b")` only `D:\a` is made. Each level is tried, and logged as `Creating
-/// Folder [LEVEL]` at level 7, whether it exists or not.
+/// `vr::Path::folder(L"D:\\a\\b")` only `D:\a` is made. Each level is tried, and logged as
+/// `Creating Folder [LEVEL]` at level 7, whether it exists or not.
 /// @throws vrCreateFolderException the Windows error and the text of the level that failed; the
 ///         levels above it stay
 VRUTILS_API void MakeDirectoryIterative(vr::Path const& path);

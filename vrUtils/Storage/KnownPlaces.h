@@ -4,8 +4,8 @@
 /// @file
 /// Places that follow from the machine.
 ///
-/// The numbers in the `vrStorageException`s of this header are the thread's last error at the throw,
-/// which the platform's answer need not have set. All of it may be called from any thread.
+/// The numbers in the `vrStorageException`s of this header are the thread's last error at the
+/// throw, which the platform's answer need not have set. All of it may be called from any thread.
 
 #include "vrUtils/Path.h"
 

@@ -12,9 +12,9 @@
 namespace vrUtils::Storage {
 
 /// Takes a file out of the way so that an operation that fails can put it back. The file is copied
-/// into the folder `Recovery\` beside it, then deleted; the copy goes for good when the object goes.
-/// Until then the file or its copy is there, whole, at every moment; a process that dies in between
-/// leaves the copy in `Recovery\`. `docs/deletion.md` tells the rest.
+/// into the folder `Recovery\` beside it, then deleted; the copy goes for good when the object
+/// goes. Until then the file or its copy is there, whole, at every moment; a process that dies in
+/// between leaves the copy in `Recovery\`. `docs/deletion.md` tells the rest.
 ///
 /// The folder goes, with all that is in it, with the object that made it: **the first object among
 /// the files of one folder removes the copies of the others.** If the folder was there before, it
@@ -44,16 +44,17 @@ class VRUTILS_API RecoverableFileDeleter {
     /// Makes the deletion final, if this object made the folder. Never throws.
     ~RecoverableFileDeleter();
 
-    /// Copies the file and deletes it. A second deletion ends the first one's folder once it has its
-    /// own, which are the same folder: after `Recover` it fails, and the file stays.
+    /// Copies the file and deletes it. A second deletion ends the first one's folder once it has
+    /// its own, which are the same folder: after `Recover` it fails, and the file stays.
     /// @throws vrCopyFileException the Windows error and the path of the copy; the file stays
     /// @throws vrDeleteFileException the Windows error and the path of the file; the file and its
     ///         copy stay
     void Delete();
 
     /// Copies the file back, over whatever is in its place. The copy stays as well.
-    /// @throws vrCopyFileException the Windows error and the path of the file. **The copy is then the
-    ///         only whole one, and goes with the object**: keep that until a further call has worked
+    /// @throws vrCopyFileException the Windows error and the path of the file. **The copy is then
+    ///         the only whole one, and goes with the object**: keep it until another call has
+    ///         worked
     void Recover();
 
   private:

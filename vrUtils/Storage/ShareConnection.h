@@ -4,9 +4,9 @@
 /// @file
 /// Connections to network shares under a user's name, without a drive letter.
 ///
-/// A connection always goes to the share itself, however deep the path reaches: `\\srv\share\a\b.mov`
-/// connects to `\\srv\share`. The path has a separator behind the share, since its last word counts
-/// as a file's name: `\\srv\share` alone would connect to `\\srv\`.
+/// A connection always goes to the share itself, however deep the path reaches:
+/// `\\srv\share\a\b.mov` connects to `\\srv\share`. The path has a separator behind the share,
+/// since its last word counts as a file's name: `\\srv\share` alone would connect to `\\srv\`.
 ///
 /// Each call is one attempt and blocks for as long as the platform takes. The password is never
 /// logged. All of it may be called from any thread.

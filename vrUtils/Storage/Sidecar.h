@@ -26,8 +26,8 @@ namespace vrUtils::Storage {
 /// | `Clip1.MOV` | `(.*)\.mov`   | `\1_.*\.xml` | what matches `Clip1_.*\.xml`                |
 ///
 /// Expressions are those of ECMAScript, without regard to the case of the letters A to Z. A name or
-/// an expression may be of any length: where the two together ask for more than a gigabyte of stack,
-/// that counts as an expression that cannot be used. How long a match takes is up to the expression.
+/// an expression may be of any length: where the two together ask for more than a gigabyte of
+/// stack, that counts as one that cannot be used. How long a match takes is up to the expression.
 ///
 /// Logs, beside `Searching for sidecar file [NAME] in [FOLDER]` and `Found sidecar [PATH]` at level
 /// 7:
@@ -37,8 +37,8 @@ namespace vrUtils::Storage {
 /// - `Ambiguous sidecar could be [FIRST] or [OTHER]` at level 4 for each further match
 /// - `Failed to find matching sidecar in [FOLDER]` at level 4
 ///
-/// Throws nothing. From any thread. On a thread that is no fiber yet, the work is done on a fiber of
-/// its own.
+/// Throws nothing. From any thread. On a thread that is no fiber yet, the work is done on a fiber
+/// of its own.
 /// @param movieFile matched as it stands: with its folders, if it is given with them
 /// @param folder where to look, with its closing backslash
 /// @param searchPattern wildcard for the entries that are looked at, such as `*.xml`
