@@ -186,8 +186,8 @@ TEST(ElapsedTimeLogger, KeepsItsArithmeticAtSixtyFourBits) {
 TEST(ElapsedTimeLogger, HasNoGuardAgainstAClockOfLessThanAThousandTicks) {
     auto const child = timing.start({L"999", L"0", L"1"});
 
-    // The platform's code for a division by zero.
-    // The second is how a build ends that is made to end at undefined behaviour.
+    // The platform's code for a division by zero, and how a build ends that does so at whatever is
+    // undefined.
     EXPECT_THAT(
         child->output(), testing::AnyOf(
                              testing::HasSubstr("fatal exception c0000094"),
