@@ -13,8 +13,10 @@ symbols = name + ".debug"
 
 
 def objcopy(*arguments):
-    # The link is made from the name as it is given: without a folder.
-    subprocess.run([OBJCOPY, *arguments], cwd=folder, check=True)
+    # The link is made from the name as it is given: without a folder. The time of writing goes into the
+    # binary unless another one is given.
+    environment = {**os.environ, "SOURCE_DATE_EPOCH": "0"}
+    subprocess.run([OBJCOPY, *arguments], cwd=folder, check=True, env=environment)
 
 
 objcopy("--only-keep-debug", name, symbols)
