@@ -3,6 +3,7 @@
 consumer.py BUILD-FOLDER-OR-ZIP CONSUMER-FOLDER WINE WORK-FOLDER
 """
 
+import filecmp
 import os
 import pathlib
 import shutil
@@ -61,4 +62,10 @@ for name in ("vrUtils.dll", "VorraneLog.dll", "vrtool.exe"):
     assert (package / "bin" / (name + ".debug")).exists(), name
 for licence in ("JsonCpp", "Boost", "spdlog", "fmt", "CLI11", "GCC-runtime", "mingw-w64-runtime"):
     assert (package / f"share/licenses/vrUtils/{licence}.txt").stat().st_size > 0, licence
+
+# Installed again later, the binaries are the same.
+if origin.suffix != ".zip":
+    run("cmake", "--install", origin, "--prefix", work / "again")
+    for file in (work / "again/bin").iterdir():
+        assert filecmp.cmp(file, package / "bin" / file.name, shallow=False), file.name
 print("the package serves a host")
